@@ -1,0 +1,32 @@
+# Warnings, sanitizers and the rule "one folder, one library" in one place.
+
+if(NOT CMAKE_BUILD_TYPE)
+  set(CMAKE_BUILD_TYPE Release CACHE STRING "" FORCE)
+endif()
+
+add_library(tambra_options INTERFACE)
+target_compile_options(tambra_options INTERFACE -Wall -Wextra -Wconversion -Wshadow
+  $<$<BOOL:${TAMBRA_WERROR}>:-Werror>)
+target_include_directories(tambra_options INTERFACE ${CMAKE_SOURCE_DIR})
+target_compile_definitions(tambra_options INTERFACE TAMBRA_VERSION="${PROJECT_VERSION}")
+
+if(TAMBRA_SANITIZE)
+  add_compile_options(-fsanitize=${TAMBRA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${TAMBRA_SANITIZE})
+endif()
+if(TAMBRA_COVERAGE)
+  add_compile_options(--coverage)
+  add_link_options(--coverage)
+endif()
+
+# tambra_library(NAME FOLDER): every .cpp below FOLDER, of platform files only this system's.
+function(tambra_library name folder)
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/${folder}/*.cpp)
+  if(WIN32)
+    list(FILTER sources EXCLUDE REGEX "_posix\\.cpp$")
+  else()
+    list(FILTER sources EXCLUDE REGEX "_win\\.cpp$")
+  endif()
+  add_library(${name} STATIC ${sources})
+  target_link_libraries(${name} PUBLIC tambra_options)
+endfunction()
