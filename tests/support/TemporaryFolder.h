@@ -1,0 +1,74 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace NSTest {
+
+/// An empty folder below the system's temporary one, removed with all it holds at the end. Names
+/// are paths relative to it; missing parents of a written file are made.
+class CTemporaryFolder {
+ public:
+  CTemporaryFolder() {
+    std::random_device random;
+    do {
+      fPath = std::filesystem::canonical(std::filesystem::temp_directory_path()) /
+              ("tambra-test-" + std::to_string(random()) + std::to_string(random()));
+    } while (!std::filesystem::create_directory(fPath));
+  }
+  CTemporaryFolder(const CTemporaryFolder&) = delete;
+  CTemporaryFolder& operator=(const CTemporaryFolder&) = delete;
+  ~CTemporaryFolder() {
+    std::error_code ignored;  // a leftover folder must not end the test program
+    std::filesystem::remove_all(fPath, ignored);
+  }
+
+  const std::filesystem::path& Path() const { return fPath; }
+
+  std::filesystem::path MakeFolder(const std::filesystem::path& name) const {
+    std::filesystem::create_directories(fPath / name);
+    return fPath / name;
+  }
+
+  /// Writes (or replaces) a file and returns its full path.
+  std::filesystem::path Write(const std::filesystem::path& name, std::string_view bytes) const {
+    const std::filesystem::path path = fPath / name;
+    std::filesystem::create_directories(path.parent_path());
+    std::ofstream file(path, std::ios::binary | std::ios::trunc);
+    file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    file.close();
+    if (!file) throw std::runtime_error("cannot write " + path.string());
+    return path;
+  }
+  std::filesystem::path Write(const std::filesystem::path& name,
+                              std::span<const std::uint8_t> bytes) const {
+    return Write(name, std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
+  }
+  std::filesystem::path Write(const std::filesystem::path& name,
+                              const std::vector<std::uint8_t>& bytes) const {
+    return Write(name, std::span<const std::uint8_t>(bytes));
+  }
+
+  std::vector<std::uint8_t> Read(const std::filesystem::path& name) const {
+    std::ifstream file(fPath / name, std::ios::binary);
+    if (!file) throw std::runtime_error("cannot read " + (fPath / name).string());
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  }
+  std::string ReadText(const std::filesystem::path& name) const {
+    const std::vector<std::uint8_t> bytes = Read(name);
+    return {bytes.begin(), bytes.end()};
+  }
+
+ private:
+  std::filesystem::path fPath;
+};
+
+}  // namespace NSTest
