@@ -1,0 +1,43 @@
+#pragma once
+
+#include "Parts/TolbrookPackage/Core/FileSystem.h"
+#include "Parts/TolbrookPackage/Core/Media.h"
+
+namespace NSBigFilePackage {
+
+/// A file as a media. Failures are those of NSTolbrook::CFile.
+class CStdioMedia : public IMedia {
+ public:
+  enum class EAccess { kReadOnly, kReadWrite };
+
+  /// Takes an open file over. With kReadOnly every write throws XReadOnly, whatever the file
+  /// allows.
+  CStdioMedia(NSTolbrook::CFile file, EAccess access);
+
+  static std::shared_ptr<CStdioMedia> OpenForReading(const NSTolbrook::NativePath& path);
+  static std::shared_ptr<CStdioMedia> OpenForUpdate(const NSTolbrook::NativePath& path);
+  /// Throws XAlreadyExists when the name is taken.
+  static std::shared_ptr<CStdioMedia> CreateNew(const NSTolbrook::NativePath& path);
+  /// Empties a file that is there.
+  static std::shared_ptr<CStdioMedia> CreateReplacing(const NSTolbrook::NativePath& path);
+
+  std::uint64_t Size() const override;
+  std::size_t Read(std::uint64_t position, std::span<std::uint8_t> destination) const override;
+  void Write(std::uint64_t position, std::span<const std::uint8_t> source) override;
+  void SetSize(std::uint64_t size) override;
+  void Flush() override;
+
+  NSTolbrook::CFile& File() { return fFile; }
+
+  /// Closes the file now, so that a failure is seen (XClose). Nothing else may be called after it;
+  /// the destructor's own close is silent.
+  void Close();
+
+ private:
+  void CheckWritable() const;
+
+  NSTolbrook::CFile fFile;
+  EAccess fAccess;
+};
+
+}  // namespace NSBigFilePackage
