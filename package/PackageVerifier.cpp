@@ -1,0 +1,133 @@
+#include "package/PackageVerifier.h"
+
+#include <exception>
+#include <mutex>
+#include <new>
+#include <optional>
+#include <utility>
+
+#include "Parts/TolbrookPackage/Core/Exception.h"
+
+#include "package/PackageIndex.h"
+#include "package/PackageReader.h"
+
+namespace NSTambraPacking {
+
+namespace {
+
+using NSBigFilePackage::IMedia;
+using NSBigFilePackage::SharedMedia;
+
+/// Passes reads through and keeps the first failure of the package file, so that it can be told
+/// from an entry whose bytes merely end too early.
+class CReadWatch : public IMedia {
+ public:
+  explicit CReadWatch(SharedMedia package) : fPackage(std::move(package)) {}
+
+  std::uint64_t Size() const override { return fPackage->Size(); }
+  std::size_t Read(std::uint64_t position, std::span<std::uint8_t> destination) const override {
+    try {
+      return fPackage->Read(position, destination);
+    } catch (...) {
+      const std::scoped_lock lock(fMutex);
+      if (fFailure == nullptr) fFailure = std::current_exception();
+      throw;
+    }
+  }
+  void Write(std::uint64_t, std::span<const std::uint8_t>) override { Refuse(); }
+  void SetSize(std::uint64_t) override { Refuse(); }
+  void Flush() override {}
+
+  void RethrowFailure() const {
+    const std::scoped_lock lock(fMutex);
+    if (fFailure != nullptr) std::rethrow_exception(fFailure);
+  }
+
+ private:
+  [[noreturn]] static void Refuse() {
+    throw NSMordel::XReadOnly("a package cannot be changed while it is verified");
+  }
+
+  SharedMedia fPackage;
+  mutable std::mutex fMutex;
+  mutable std::exception_ptr fFailure;
+};
+
+/// What became of one entry; nothing in it refers to another entry or to the order of the work.
+struct COutcome {
+  std::optional<std::string> fFailure;
+  std::vector<std::u16string> fBrokenReferences;
+};
+
+COutcome VerifyEntry(const IEntryVerifier& verifier, const CPackageEntry& entry,
+                     const CReadWatch& watch) {
+  COutcome outcome;
+  try {
+    outcome.fBrokenReferences = verifier.Verify(entry, entry.Flag() != kEntryTakenAsItIs);
+  } catch (const NSMordel::XAbort&) {
+    throw;
+  } catch (const NSMordel::XSilentAbort&) {
+    throw;
+  } catch (const std::bad_alloc&) {
+    throw;
+  } catch (const std::exception& failure) {
+    outcome.fFailure = failure.what();
+  }
+  watch.RethrowFailure();
+  return outcome;
+}
+
+void AddOutcome(CVerificationResult& result, const std::shared_ptr<CPackageEntry>& entry,
+                COutcome outcome) {
+  ++result.fVerifiedCount;
+  if (outcome.fFailure) {
+    result.fFailed.push_back({entry, *std::move(outcome.fFailure)});
+  } else if (!outcome.fBrokenReferences.empty()) {
+    result.fBroken.push_back({entry, std::move(outcome.fBrokenReferences)});
+  }
+}
+
+}  // namespace
+
+void CompareHeaders(const CPackageHeader& found, const CPackageHeader& expected) {
+  const auto require = [](bool equal, const char* message) {
+    if (!equal) throw NSMordel::XFormatViolation(message);
+  };
+  require(found.fComment == expected.fComment, "header comment mismatch");
+  require(found.fCopyright == expected.fCopyright, "header copyright mismatch");
+  require(found.fDataStart == expected.fDataStart, "header datastart mismatch");
+  require(found.fFileCount == expected.fFileCount, "header filecount mismatch");
+  require(found.fIndexStart == expected.fIndexStart, "header indexstart mismatch");
+  require(found.fTambraName == expected.fTambraName, "header tambraname mismatch");
+  require(found.fURL == expected.fURL, "header url mismatch");
+  require(found.fVersion == expected.fVersion, "header version mismatch");
+}
+
+CPackageVerifier::CPackageVerifier(const IEntryVerifier& entryVerifier, CTambraPacker* job,
+                                   ITambraPackingProgress* progress)
+    : fEntryVerifier(entryVerifier), fReport(job, progress, kFinalVerifyPhase) {}
+
+CVerificationResult CPackageVerifier::Verify(SharedMedia package,
+                                             const CVerificationOptions& options) const {
+  fReport.CheckStop();
+  const auto watch = std::make_shared<CReadWatch>(std::move(package));
+  const CPackageReader reader(watch);
+  if (options.fExpectedHeader != nullptr) {
+    CompareHeaders(reader.Header(), *options.fExpectedHeader);
+  }
+  const auto entries = reader.ReadEntries();
+  CVerificationResult result;
+  result.fHeader = reader.Header();
+  fReport.Begin(entries.size());
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    fReport.CheckStop();
+    const CPackageEntry& entry = *entries[i];
+    fReport.Item(i, entry);
+    if (options.fEndAtFirstToResolve && entry.Flag() != kEntryTakenAsItIs) break;
+    AddOutcome(result, entries[i], VerifyEntry(fEntryVerifier, entry, *watch));
+  }
+  fReport.End();
+  return result;
+}
+
+}  // namespace NSTambraPacking
