@@ -19,8 +19,8 @@ class IClock {
   virtual CLocalTime Now() const = 0;
 };
 
-/// The system's high-resolution counter and local time. Now() throws XStdRuntimeError when the
-/// system cannot tell the time of day.
+/// The system's high-resolution counter and local time. Throws XStdRuntimeError when the system
+/// cannot tell them.
 class CSystemClock : public IClock {
  public:
   std::uint64_t Milliseconds() const override;

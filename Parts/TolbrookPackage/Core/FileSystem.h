@@ -25,7 +25,8 @@ using NativePath = std::filesystem::path;
 std::optional<std::u16string> TextFromNative(const NativePath& path);
 /// As TextFromNative, for messages: what is not valid becomes U+FFFD.
 std::string DisplayText(const NativePath& path);
-/// Throws XFormatViolation for a lone surrogate where the platform cannot store one.
+/// Throws XFormatViolation for U+0000, and for a lone surrogate where the platform cannot store
+/// one.
 NativePath NativeFromText(std::u16string_view text);
 
 enum class EFileKind { kMissing, kFile, kFolder, kLink, kOther };
@@ -46,13 +47,17 @@ struct CFileStatus {
   EFileKind fKind = EFileKind::kMissing;
   std::uint64_t fSize = 0;  ///< bytes; of regular files only
   CFileIdentity fIdentity;
+
+  bool IsFile() const { return fKind == EFileKind::kFile; }
+  bool IsFolder() const { return fKind == EFileKind::kFolder; }
 };
 
 /// The items of a folder in no order, without "." and "..". Throws XOpen, XRead.
 std::vector<CFolderItem> ListFolder(const NativePath& folder);
 
 /// Of the item itself when `followLinks` is false. A missing item is no failure but kMissing (so
-/// is a link that dangles or turns in a circle when links are followed). Throws XOpen.
+/// is a link that dangles or turns in a circle when links are followed, and a path that leads
+/// through something that is no folder or is too long for the platform). Throws XOpen.
 CFileStatus FileStatus(const NativePath& path, bool followLinks);
 
 /// The absolute path with every link resolved. Throws XNotFound, XOpen.

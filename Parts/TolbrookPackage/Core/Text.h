@@ -1,8 +1,6 @@
 #pragma once
 
-#include <cstdint>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 
@@ -12,9 +10,12 @@ namespace NSTolbrook {
 /// UTF-8 for display and messages: a lone surrogate becomes U+FFFD.
 std::string Utf8FromText(std::u16string_view text);
 
-/// UTF-8 for files. Throws XFormatViolation "High-surrogate missing! Broken Unicode" for a
-/// surrogate without its partner and "Character code bigger than max Unicode" for a code beyond
-/// U+10FFFF (which no pair of surrogates can reach).
+/// Appends the UTF-8 bytes of one code point for a file. Throws XFormatViolation "High-surrogate
+/// missing! Broken Unicode" for a surrogate and "Character code bigger than max Unicode" for a code
+/// beyond U+10FFFF.
+void AppendStrictUtf8(std::string& bytes, char32_t code);
+
+/// UTF-8 for files; throws as AppendStrictUtf8 for a surrogate without its partner.
 std::string StrictUtf8FromText(std::u16string_view text);
 
 /// UTF-16 from UTF-8; each maximal bad subsequence becomes one U+FFFD (Unicode, 3.9, table 3-8).
@@ -35,10 +36,11 @@ std::u16string TextFromUtf16BigEndian(std::string_view bytes);
 std::u16string TextFromUtf16LittleEndian(std::string_view bytes);
 
 /// Each code point by full case folding when that gives one code point, else by its simple
-/// lowercase; not normalised. Lone surrogates stay.
+/// lowercase; not normalised. Lone surrogates stay. (Unicode, 3.13 and CaseFolding.txt.)
 std::u16string FoldCase(std::u16string_view text);
 
-/// Unicode normalisation form C. Lone surrogates stay.
+/// Unicode normalisation form C (UAX #15) in a time that grows no faster than n log n. Lone
+/// surrogates stay.
 std::u16string NormalizeText(std::u16string_view text);
 
 /// Two names are the same when their keys are: NFC(fold(NFC(name))).
