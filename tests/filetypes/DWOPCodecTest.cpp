@@ -1,0 +1,355 @@
+#include <algorithm>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <rapidcheck.h>
+#include <rapidcheck/gtest.h>
+#include <string>
+#include <vector>
+
+#include "Parts/TolbrookPackage/Core/ByteOrder.h"
+#include "Parts/TolbrookPackage/Core/Exception.h"
+
+#include "filetypes/dwop/DWOPDecompressor.h"
+#include "filetypes/dwop/DWOPEncoder.h"
+#include "package/MemoryMedia.h"
+#include "tests/support/ReferenceDWOP.h"
+
+namespace NSTambraPacking {
+namespace {
+
+using NSBigFilePackage::CMediaCursor;
+using NSBigFilePackage::CMemoryMedia;
+using NSMordel::XFormatViolation;
+using NSTest::CReferenceFormat;
+using NSTest::CReferenceResult;
+using NSTest::ReferenceDecode;
+using NSTest::ReferenceEncode;
+using CBytes = std::vector<std::uint8_t>;
+using CSamples = std::vector<std::int32_t>;
+
+/// Samples in memory, handed out as the encoder asks for them.
+class CSampleVector : public ISampleSource {
+ public:
+  CSampleVector(const CSamples& samples, unsigned channels)
+      : fSamples(samples), fChannels(channels) {}
+  std::size_t ReadFrames(std::span<std::int32_t> interleaved) override {
+    const std::size_t count = std::min(interleaved.size(), fSamples.size() - fPosition);
+    std::copy_n(fSamples.begin() + static_cast<std::ptrdiff_t>(fPosition), count,
+                interleaved.begin());
+    fPosition += count;
+    return count / fChannels;
+  }
+
+ private:
+  const CSamples& fSamples;
+  unsigned fChannels;
+  std::size_t fPosition = 0;
+};
+
+/// Memory that remembers the lengths of its reads and writes.
+class CRecordingMedia : public CMemoryMedia {
+ public:
+  using CMemoryMedia::CMemoryMedia;
+  std::size_t Read(std::uint64_t position, std::span<std::uint8_t> destination) const override {
+    fReads.push_back(destination.size());
+    return CMemoryMedia::Read(position, destination);
+  }
+  void Write(std::uint64_t position, std::span<const std::uint8_t> source) override {
+    fWrites.push_back(source.size());
+    CMemoryMedia::Write(position, source);
+  }
+  mutable std::vector<std::size_t> fReads;
+  std::vector<std::size_t> fWrites;
+};
+
+CDWOPHeader HeaderFor(const CReferenceFormat& format, std::size_t length) {
+  CDWOPHeader header;
+  header.fLength = header.fLoopEnd = static_cast<std::uint32_t>(length);
+  header.fChannels = static_cast<std::uint8_t>(format.fChannels);
+  header.fWidth = static_cast<std::uint8_t>(format.fWidth);
+  header.fRate = format.fRate;
+  return header;
+}
+
+void EncodeTo(CMemoryMedia& media, const CReferenceFormat& format, const CSamples& samples) {
+  CMediaCursor cursor(media);
+  CSampleVector source(samples, format.fChannels);
+  EncodeDWOP(HeaderFor(format, samples.size() / format.fChannels), source, cursor, {});
+}
+
+CBytes Encode(const CReferenceFormat& format, const CSamples& samples) {
+  CMemoryMedia media;
+  EncodeTo(media, format, samples);
+  return media.TakeBytes();
+}
+
+/// Decodes one frame at a time, so that a fault leaves the same samples as in the reference.
+CReferenceResult Decode(const CBytes& stream) {
+  CReferenceResult result;
+  CMemoryMedia media(stream);
+  CMediaCursor cursor(media);
+  try {
+    const CDWOPHeader header = ReadDWOPHeader(cursor);
+    result.fFormat = {header.fChannels, header.fWidth, header.fRate};
+    result.fLength = header.fLength;
+    COptimizedDWOPDecompressorFromMedia decompressor(header, media, cursor.Position());
+    CSamples frame(header.fChannels);
+    for (std::uint32_t i = 0; i < header.fLength; ++i) {
+      decompressor.Decode(frame);
+      result.fSamples.insert(result.fSamples.end(), frame.begin(), frame.end());
+    }
+    result.fWords = static_cast<std::size_t>(decompressor.WordsConsumed());
+    result.fWhole = true;
+  } catch (const NSMordel::CExceptionBodyMixin&) {
+  }
+  return result;
+}
+
+/// Both decoders agree: on the verdict, the samples before a fault and the bit stream's length.
+void ExpectSameDecoding(const CBytes& stream, const std::string& what) {
+  const CReferenceResult ours = Decode(stream);
+  const CReferenceResult theirs = ReferenceDecode(stream);
+  ASSERT_EQ(ours.fWhole, theirs.fWhole) << what;
+  ASSERT_EQ(ours.fSamples, theirs.fSamples) << what;
+  ASSERT_EQ(ours.fWords, ours.fWhole ? theirs.fWords : 0) << what;
+}
+
+std::int32_t Greatest(unsigned width) { return static_cast<std::int32_t>((1u << (width - 1)) - 1); }
+
+enum class ESignal { kSilence, kNoise, kQuietNoise, kExtremes, kWalk, kBursts, kSquare, kCount };
+
+/// A deterministic signal of a kind; `seed` makes each one different.
+CSamples MakeSignal(ESignal kind, unsigned width, std::size_t count, std::uint32_t seed) {
+  const std::int32_t greatest = Greatest(width);
+  std::int64_t walk = 0;
+  const auto random = [&seed] { return seed = seed * 1664525u + 1013904223u; };
+  const auto full = [&] { return static_cast<std::int32_t>(random()) >> (32 - width); };
+  CSamples samples(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    std::int64_t value = 0;
+    switch (kind) {
+      case ESignal::kNoise:
+        value = full();
+        break;
+      case ESignal::kQuietNoise:
+        value = static_cast<std::int32_t>(random() >> 29) - 4;
+        break;
+      case ESignal::kExtremes:
+        value = random() >> 31 ? greatest : -greatest - 1;
+        break;
+      case ESignal::kWalk:
+        value = walk += full() / 64;
+        break;
+      case ESignal::kBursts:
+        value = i / 97 % 3 == 2 ? full() : 0;
+        break;
+      case ESignal::kSquare:
+        value = i / 2 % 2 ? greatest : -greatest - 1;
+        break;
+      default:
+        break;
+    }
+    samples[i] = static_cast<std::int32_t>(
+        std::clamp<std::int64_t>(value, -std::int64_t{greatest} - 1, greatest));
+  }
+  return samples;
+}
+
+CBytes ReadData(const std::string& name) {
+  std::ifstream file(std::string(TAMBRA_TEST_DATA) + "/dwop/" + name, std::ios::binary);
+  EXPECT_TRUE(file) << name;
+  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+CSamples SamplesFromRaw(const CBytes& raw, unsigned width) {
+  CSamples samples;
+  for (std::size_t i = 0; i + width / 8 <= raw.size(); i += width / 8) {
+    std::uint32_t value = 0;
+    for (unsigned byte = 0; byte < width / 8; ++byte) {
+      value |= std::uint32_t{raw[i + byte]} << (32 - width + 8 * byte);
+    }
+    samples.push_back(static_cast<std::int32_t>(value) >> (32 - width));
+  }
+  return samples;
+}
+
+TEST(DWOPCodec, MakesAndReadsTheKnownStreams) {
+  for (const char* name :
+       {"mono16-full-noise", "mono16-impulses", "mono16-none", "mono16-one-frame", "mono16-ramp",
+        "mono16-silence-4097", "mono24-tone", "stereo16-opposite-squares", "stereo16-same-channels",
+        "stereo24-extremes", "stereo24-wrap"}) {
+    const std::string text = name;
+    CReferenceFormat format;
+    format.fChannels = text.starts_with("stereo") ? 2 : 1;
+    format.fWidth = text.find("24") == std::string::npos ? 16 : 24;
+    const CSamples samples = SamplesFromRaw(ReadData(text + ".raw"), format.fWidth);
+    const CBytes stream = ReadData(text + ".dwop");
+    EXPECT_EQ(Encode(format, samples), stream) << name;
+    EXPECT_EQ(ReferenceEncode(format, samples), stream) << name;
+    const CReferenceResult decoded = Decode(stream);
+    EXPECT_TRUE(decoded.fWhole) << name;
+    EXPECT_EQ(decoded.fSamples, samples) << name;
+    EXPECT_EQ(decoded.fFormat, format) << name;
+    ExpectSameDecoding(stream, name);
+  }
+}
+
+TEST(DWOPCodec, AgreesWithTheReferenceOnEverySignal) {
+  std::uint32_t seed = 1;
+  for (int kind = 0; kind < static_cast<int>(ESignal::kCount); ++kind) {
+    for (const unsigned width : {16u, 24u}) {
+      for (const unsigned channels : {1u, 2u}) {
+        for (const std::size_t length : {0, 1, 2, 4095, 4096, 4097}) {
+          const CSamples samples =
+              MakeSignal(static_cast<ESignal>(kind), width, length * channels, ++seed);
+          const CReferenceFormat format{channels, width, 48000};
+          const CBytes stream = Encode(format, samples);
+          const std::string what = std::to_string(kind) + " " + std::to_string(width) + " bits, " +
+                                   std::to_string(channels) + " channels, " +
+                                   std::to_string(length) + " frames";
+          ASSERT_EQ(stream, ReferenceEncode(format, samples)) << what;
+          const CReferenceResult decoded = Decode(stream);
+          ASSERT_EQ(decoded.fSamples, samples) << what;
+          ASSERT_EQ(26 + decoded.fWords * 4, stream.size()) << what;
+        }
+      }
+    }
+  }
+}
+
+/// Signals glued from pieces of every kind: the states that one kind leaves meet the next.
+RC_GTEST_PROP(DWOPCodec, IsLosslessOnGluedSignals, ()) {
+  const CReferenceFormat format{*rc::gen::element(1u, 2u), *rc::gen::element(16u, 24u),
+                                *rc::gen::arbitrary<std::uint32_t>()};
+  CSamples samples;
+  for (int piece = *rc::gen::inRange(1, 8); piece > 0; --piece) {
+    const auto kind = static_cast<ESignal>(*rc::gen::inRange(0, static_cast<int>(ESignal::kCount)));
+    const CSamples more = MakeSignal(kind, format.fWidth, *rc::gen::inRange<std::size_t>(0, 600),
+                                     *rc::gen::arbitrary<std::uint32_t>());
+    samples.insert(samples.end(), more.begin(), more.end());
+  }
+  samples.resize(samples.size() / format.fChannels * format.fChannels);
+  const CBytes stream = Encode(format, samples);
+  RC_ASSERT(stream == ReferenceEncode(format, samples));
+  const CReferenceResult decoded = Decode(stream);
+  RC_ASSERT(decoded.fSamples == samples);
+  RC_ASSERT(26 + decoded.fWords * 4 == stream.size());
+}
+
+/// Values that no 24-bit source has drive the sums around 2^32, where the modulus can become 0.
+RC_GTEST_PROP(DWOPCodec, SurvivesWrapAroundOfSumsAndErrors, ()) {
+  const auto extremes = rc::gen::weightedOneOf<std::int32_t>(
+      {{3, rc::gen::element(INT32_MIN, INT32_MAX, INT32_MIN + 1, 0, -1, 1 << 30)},
+       {1, rc::gen::arbitrary<std::int32_t>()}});
+  const auto samples = *rc::gen::container<CSamples>(400, extremes);
+  CMemoryMedia media;
+  CMediaCursor cursor(media);
+  CDWOPEncoder encoder(cursor, 1);
+  encoder.Encode(samples);
+  encoder.Finish();
+  const CReferenceFormat format{1, 24, 0};
+  CBytes stream = ReferenceEncode(format, samples);
+  RC_ASSERT(CBytes(stream.begin() + 26, stream.end()) == media.Bytes());
+  CSamples narrowed = samples;
+  for (std::int32_t& sample : narrowed) {
+    sample = static_cast<std::int32_t>(static_cast<std::uint32_t>(sample) << 8) >> 8;
+  }
+  RC_ASSERT(Decode(stream).fSamples == narrowed);
+}
+
+RC_GTEST_PROP(DWOPCodec, AgreesWithTheReferenceOnNoiseInsteadOfAStream, ()) {
+  CBytes stream = ReferenceEncode({*rc::gen::element(1u, 2u), *rc::gen::element(16u, 24u), 0}, {});
+  stream[7] = 8;  // 2,048 frames
+  const auto noise = *rc::gen::container<CBytes>(
+      *rc::gen::inRange<std::size_t>(0, 600),
+      rc::gen::weightedOneOf<std::uint8_t>({{1, rc::gen::arbitrary<std::uint8_t>()},
+                                            {2, rc::gen::element<std::uint8_t>(0, 1, 255)}}));
+  stream.insert(stream.end(), noise.begin(), noise.end());
+  const CReferenceResult ours = Decode(stream);
+  const CReferenceResult theirs = ReferenceDecode(stream);
+  RC_ASSERT(ours.fWhole == theirs.fWhole);
+  RC_ASSERT(ours.fSamples == theirs.fSamples);
+}
+
+TEST(DWOPCodec, DamagedStreamsEndInAFaultOrInSamples) {
+  for (const unsigned channels : {1u, 2u}) {
+    const CSamples samples = MakeSignal(ESignal::kBursts, 16, 240 * channels, 7);
+    const CBytes stream = Encode({channels, 16, 44100}, samples);
+    for (std::size_t length = 0; length < stream.size(); ++length) {
+      const CBytes cut(stream.begin(), stream.begin() + static_cast<std::ptrdiff_t>(length));
+      EXPECT_FALSE(Decode(cut).fWhole) << length;
+      ExpectSameDecoding(cut, "cut to " + std::to_string(length));
+    }
+    for (std::size_t bit = 0; bit < stream.size() * 8; ++bit) {
+      CBytes flipped = stream;
+      flipped[bit / 8] = static_cast<std::uint8_t>(flipped[bit / 8] ^ (0x80u >> bit % 8));
+      ExpectSameDecoding(flipped, "bit " + std::to_string(bit));
+    }
+  }
+}
+
+TEST(DWOPCodec, AHeaderCannotMakeTheDecoderHangOrTakeMemory) {
+  struct {
+    std::uint8_t fFill;
+    std::size_t fBytes;
+    const char* fMessage;
+  } const cases[] = {
+      {0xFF, 0, "zero length sample"},
+      {0xFF, 3, "zero length sample"},
+      {0x00, 8, "zero length sample"},
+      {0xFF, 8, "zero length sample"},
+      {0x00, 1 << 20, "a DWOP residual is beyond 32 bits"},
+  };
+  for (const auto& test : cases) {
+    CBytes stream(test.fBytes, test.fFill);
+    const CMemoryMedia media(stream);
+    COptimizedDWOPDecompressorFromMedia decompressor(HeaderFor({2, 16, 0}, 0xFFFFFFFF), media, 0);
+    CSamples block(2 * kDWOPBlockFrames);
+    try {
+      for (;;) decompressor.Decode(block);
+    } catch (const XFormatViolation& failure) {
+      EXPECT_STREQ(failure.what(), test.fMessage) << test.fBytes;
+    }
+  }
+}
+
+TEST(DWOPCodec, WritesBuffersOf4096BytesAndReadsPiecesOf16384Words) {
+  const CReferenceFormat format{1, 24, 44100};
+  CRecordingMedia media;
+  EncodeTo(media, format, MakeSignal(ESignal::kNoise, 24, 60000, 3));
+  // The version, the fields, then the bit stream.
+  std::vector<std::size_t> writes = {5, 21};
+  const std::size_t bitStream = media.Bytes().size() - 26;
+  for (std::size_t rest = bitStream; rest > 0; rest -= writes.back()) {
+    writes.push_back(std::min<std::size_t>(rest, 4096));
+  }
+  EXPECT_EQ(media.fWrites, writes);
+
+  // 1 to 3 bytes behind the last word must not be asked for.
+  media.SetSize(media.Size() + 3);
+  COptimizedDWOPDecompressorFromMedia decompressor(HeaderFor(format, 60000), media, 26);
+  CSamples decoded(60000);
+  decompressor.Decode(decoded);
+  std::vector<std::size_t> reads;
+  for (std::size_t rest = bitStream; rest > 0; rest -= reads.back()) {
+    reads.push_back(std::min<std::size_t>(rest, 65536));
+  }
+  EXPECT_EQ(media.fReads, reads);
+}
+
+TEST(DWOPCodec, TheEncoderRefusesWhatItCannotCode) {
+  CMemoryMedia media;
+  CMediaCursor cursor(media);
+  EXPECT_THROW(CDWOPEncoder(cursor, 0), XFormatViolation);
+  EXPECT_THROW(CDWOPEncoder(cursor, 3), XFormatViolation);
+  const CSamples samples(9);
+  CSampleVector tooShort(samples, 1);
+  EXPECT_THROW(EncodeDWOP(HeaderFor({1, 16, 0}, 10), tooShort, cursor, {}), NSMordel::XRead);
+  CSampleVector stopped(samples, 1);
+  const auto stop = [] { throw NSMordel::XSilentAbort("User aborted"); };
+  EXPECT_THROW(EncodeDWOP(HeaderFor({1, 16, 0}, 9), stopped, cursor, stop), NSMordel::XSilentAbort);
+}
+
+}  // namespace
+}  // namespace NSTambraPacking
