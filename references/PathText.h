@@ -2,12 +2,10 @@
 
 #include <string>
 #include <string_view>
-#include <vector>
+
+#include "package/EntryPath.h"
 
 namespace NSTambraPacking {
-
-/// The components of a path: folders from the outermost, then the file.
-using CPathComponents = std::vector<std::u16string>;
 
 /// Splits the text of a path inside a document. Throws XFormatViolation with `startMessage` when it
 /// does not begin with "/". Empty components are dropped.
@@ -15,11 +13,5 @@ CPathComponents SplitPathText(std::u16string_view text, const char* startMessage
 
 /// The inverse: "/" and the components joined with "/".
 std::u16string PathTextFromComponents(const CPathComponents& components);
-
-/// Splits a path of an entry, which has no leading "/"; empty components are dropped.
-CPathComponents SplitEntryPath(std::u16string_view path);
-
-/// The components joined with "/".
-std::u16string JoinComponents(const CPathComponents& components);
 
 }  // namespace NSTambraPacking

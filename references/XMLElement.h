@@ -23,7 +23,8 @@ class CXMLAttribute {
 };
 
 /// The bytes of a text that an element was read from: from the "<" of its start tag (`fBegin`) to
-/// the ">" of its end tag (`fEnd` is the index behind it). Both are 0 for an element that was built.
+/// the ">" of its end tag (`fEnd` is the index behind it). Both are 0 for an element that was
+/// built.
 struct CXMLSourceRange {
   std::size_t fBegin = 0;
   std::size_t fEnd = 0;
@@ -44,6 +45,7 @@ class CXMLElement {
   const std::u16string& Name() const { return fName; }
   const std::u16string& Text() const { return fText; }
   void SetText(std::u16string text) { fText = std::move(text); }
+  void AppendText(std::u16string_view text) { fText += text; }
 
   const Attributes& AttributeList() const { return fAttributes; }
   void AddAttribute(std::u16string name, std::u16string value);

@@ -1,17 +1,17 @@
 #include "references/XMLReader.h"
 
-#include <utf8.h>
-
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdint>
 #include <optional>
+#include <utf8.h>
 #include <utility>
 #include <vector>
 
 #include "Parts/TolbrookPackage/Core/Exception.h"
 #include "Parts/TolbrookPackage/Core/Text.h"
+
 #include "references/XMLLimits.h"
 
 namespace NSTolbrook {
@@ -97,7 +97,9 @@ class CParser {
     }
   }
 
-  bool StartsWith(std::string_view start) const { return fText.substr(fPosition).starts_with(start); }
+  bool StartsWith(std::string_view start) const {
+    return fText.substr(fPosition).starts_with(start);
+  }
 
   char Peek() const {
     if (fPosition >= fText.size()) FailAtEnd();
@@ -127,7 +129,8 @@ class CParser {
 
   std::string_view Name() {
     if (!IsNameStart(Peek())) {
-      Fail(kXMLFormatTagError, fPosition, "a name was expected", std::nullopt, OffendingCharacter());
+      Fail(kXMLFormatTagError, fPosition, "a name was expected", std::nullopt,
+           OffendingCharacter());
     }
     const std::size_t start = fPosition;
     while (IsNameByte(Peek())) ++fPosition;
@@ -304,10 +307,7 @@ class CParser {
 
   /// Hands the text since the last tag over to the innermost open element.
   void FlushRun() {
-    if (fRunIsText) {
-      CXMLElement& element = *fOpen.back();
-      element.SetText(element.Text() + TextFromUtf8(fRun));
-    }
+    if (fRunIsText) fOpen.back()->AppendText(TextFromUtf8(fRun));
     fRun.clear();
     fRunIsText = false;
   }
@@ -325,8 +325,8 @@ class CParser {
   }
 
   CContext Where(std::size_t position) const {
-    const auto lineFeeds = std::count(
-        fText.begin(), fText.begin() + static_cast<std::ptrdiff_t>(position), '\n');
+    const auto lineFeeds =
+        std::count(fText.begin(), fText.begin() + static_cast<std::ptrdiff_t>(position), '\n');
     return {{NSMordel::kTargetObjectType, kXMLFormat},
             {kXMLLineNumber, std::to_string(lineFeeds + 1)}};
   }

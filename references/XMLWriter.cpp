@@ -4,6 +4,7 @@
 
 #include "Parts/TolbrookPackage/Core/Exception.h"
 #include "Parts/TolbrookPackage/Core/Text.h"
+
 #include "references/XMLLimits.h"
 
 namespace NSTolbrook {
