@@ -66,7 +66,7 @@ CPackageReader::CRegions CPackageReader::CheckRegions() const {
   CheckRegionStart(fHeader.fDataStart, "data region", fHeaderEnd, fileSize);
   CRegions regions{fileSize, fileSize};
   if (indexStart < dataStart) regions.fIndexEnd = dataStart;
-  if (dataStart < indexStart) regions.fDataEnd = indexStart;
+  if (dataStart <= indexStart) regions.fDataEnd = indexStart;
   const std::uint64_t room = (regions.fIndexEnd - indexStart) / kLeastIndexEntryLength;
   if (fHeader.fFileCount > room) {
     throw XFormatViolation("the package claims " + std::to_string(fHeader.fFileCount) +
@@ -81,8 +81,8 @@ CPackageReader::CRegions CPackageReader::CheckRegions() const {
 std::vector<std::shared_ptr<CPackageEntry>> CPackageReader::ReadEntries() const {
   const CRegions regions = CheckRegions();
   const std::uint64_t dataStart = fHeader.fDataStart;
-  CPartialMedia index(fBuffered, fHeader.fIndexStart, regions.fIndexEnd - fHeader.fIndexStart);
-  CMediaCursor cursor(index);
+  CPartialMedia upToIndexEnd(fBuffered, 0, regions.fIndexEnd);
+  CMediaCursor cursor(upToIndexEnd, fHeader.fIndexStart);
   std::vector<std::shared_ptr<CPackageEntry>> entries;
   entries.reserve(fHeader.fFileCount);
   for (std::uint32_t i = 0; i < fHeader.fFileCount; ++i) {

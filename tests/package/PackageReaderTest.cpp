@@ -1,0 +1,168 @@
+#include <functional>
+#include <gtest/gtest.h>
+
+#include "package/PackageFormat.h"
+#include "package/PackageIndex.h"
+#include "package/PackageReader.h"
+#include "tests/package/PackageFixture.h"
+#include "tests/support/AllocationWatch.h"
+#include "tests/support/FailingMedia.h"
+
+namespace NSTambraPacking {
+namespace {
+
+using NSBigFilePackage::CMediaCursor;
+using NSBigFilePackage::CMemoryMedia;
+using NSTest::Bytes;
+
+/// The example's parts, to be spoilt one at a time and put where the header says.
+struct CParts {
+  CPackageHeader fHeader{u"Kit", u"", u"", u"", 2, 0x2C, 0x54, {1, 2, 0}, 4, 2};
+  std::vector<CIndexEntry> fIndex{{u"Beat.mid", 10, 0, 4}, {u"Bank", 16, 4, 2, 0}};
+  std::string fData = "MThd@@";
+
+  std::shared_ptr<CMemoryMedia> Write() const {
+    auto media = std::make_shared<CMemoryMedia>();
+    CMediaCursor output(*media);
+    WritePackageHeader(output, fHeader);
+    // A spoilt start is only claimed; the parts are written where they fit.
+    const bool dataFirst = fHeader.fDataStart < fHeader.fIndexStart && fHeader.fDataStart == 0x2C;
+    if (dataFirst) output.Write(Bytes(fData.begin(), fData.end()));
+    for (const CIndexEntry& entry : fIndex) WriteIndexEntry(output, entry);
+    if (!dataFirst) output.Write(Bytes(fData.begin(), fData.end()));
+    return media;
+  }
+};
+
+std::string List(const NSBigFilePackage::SharedMedia& package) {
+  std::string text;
+  for (const auto& entry : CPackageReader(package).ReadEntries()) {
+    text += NSTolbrook::Utf8FromText(entry->Path()) + "=" + NSTest::TextOf(*entry->Data()) +
+            (entry->IsContainer() ? "+ " : " ");
+  }
+  return text;
+}
+
+TEST(PackageReaderTest, EntriesAreFoundWhereTheFieldsSay) {
+  const struct {
+    std::function<void(CParts&)> fChange;
+    std::string fList;
+  } kCases[] = {
+      {[](CParts&) {}, "Beat.mid=MThd Bank=@@+ "},
+      {[](CParts& parts) { parts.fHeader.fFileCount = 0; }, ""},
+      {[](CParts& parts) { parts.fIndex[1].fSize = 0; }, "Beat.mid=MThd Bank=+ "},
+      {[](CParts& parts) { parts.fIndex[1].fOffset = 0; }, "Beat.mid=MThd Bank=MT+ "},
+      {[](CParts& parts) { parts.fData += "behind all entries"; }, "Beat.mid=MThd Bank=@@+ "},
+      {[](CParts& parts) {
+         parts.fHeader.fDataStart = 0x2C;
+         parts.fHeader.fIndexStart = 0x32;
+       },
+       "Beat.mid=MThd Bank=@@+ "},
+  };
+  for (const auto& test : kCases) {
+    CParts parts;
+    test.fChange(parts);
+    EXPECT_EQ(List(parts.Write()), test.fList);
+  }
+}
+
+TEST(PackageReaderTest, HostilePackagesAreRefusedBeforeMemoryIsTaken) {
+  const struct {
+    std::function<void(CParts&)> fSpoil;
+    std::string fMessage;
+  } kCases[] = {
+      {[](CParts& p) { p.fHeader.fIndexStart = 0x2B; }, "the package's index starts at offset 43"},
+      {[](CParts& p) { p.fHeader.fIndexStart = 0x5B; }, "the package's index starts at offset 91"},
+      {[](CParts& p) { p.fHeader.fDataStart = 0; }, "the package's data region starts at offset 0"},
+      {[](CParts& p) { p.fHeader.fDataStart = 0xFFFFFFFF; },
+       "the package's data region starts at offset 4294967295"},
+      {[](CParts& p) { p.fHeader.fFileCount = 3; }, "the package claims 3 entries"},
+      {[](CParts& p) { p.fHeader.fFileCount = 0xFFFFFFFF; },
+       "the package claims 4294967295 entries"},
+      {[](CParts& p) { p.fHeader.fDataStart = 0x53; }, "an index entry of the package is cut"},
+      {[](CParts& p) {
+         p.fHeader.fIndexStart = p.fHeader.fDataStart = 0x2C,
+         p.fHeader.fSplashOffset = p.fHeader.fSplashSize = 0;
+       },
+       "\"Beat.mid\" has 4 bytes at offset 0, but the package's data has only 0 bytes"},
+      {[](CParts& p) { p.fIndex[0].fName = u"", p.fData += "Beat.mid"; },
+       "an entry of the package has no name"},
+      {[](CParts& p) { p.fIndex[1].fSize = 3; },
+       "\"Bank\" has 3 bytes at offset 4, but the package's data has only 6 bytes"},
+      {[](CParts& p) { p.fIndex[1].fOffset = 0xFFFFFFFF; },
+       "\"Bank\" has 2 bytes at offset 4294967295"},
+      {[](CParts& p) { p.fIndex[0].fOffset = p.fIndex[0].fSize = 0xFFFFFFFF; },
+       "\"Beat.mid\" has 4294967295 bytes at offset 4294967295"},
+      {[](CParts& p) { p.fHeader.fSplashOffset = 5; }, "\"splash\" has 2 bytes at offset 5"},
+      {[](CParts& p) {
+         p.fHeader.fDataStart = 0x2C;
+         p.fHeader.fIndexStart = 0x32;
+         p.fIndex[1].fSize = 3;
+       },
+       "\"Bank\" has 3 bytes at offset 4, but the package's data has only 6 bytes"},
+  };
+  for (const auto& test : kCases) {
+    CParts parts;
+    test.fSpoil(parts);
+    const auto package = parts.Write();
+    NSTest::ResetLargestAllocation();
+    try {
+      ADD_FAILURE() << "accepted: " << List(package) << " instead of " << test.fMessage;
+    } catch (const NSMordel::XFormatViolation& failure) {
+      EXPECT_EQ(std::string(failure.what()).substr(0, test.fMessage.size()), test.fMessage);
+    }
+    EXPECT_LE(NSTest::LargestAllocation(), kPackageBufferLength);
+  }
+}
+
+TEST(PackageReaderTest, LaterVersionIsNamedBesideTheSupportedOne) {
+  CParts parts;
+  parts.fHeader.fVersion = {1, 3, 0};
+  try {
+    CPackageReader reader(parts.Write());
+    FAIL() << "accepted";
+  } catch (const NSMordel::XVersionTooNew& failure) {
+    EXPECT_STREQ(failure.what(),
+                 "the package has version 1.3.0, the newest supported version is 1.2.0");
+  }
+}
+
+/// Reads everything; returns false when the package is refused. Other failures pass through.
+bool ReadsToTheEnd(const Bytes& bytes) {
+  NSTest::ResetLargestAllocation();
+  bool accepted = true;
+  try {
+    List(std::make_shared<CMemoryMedia>(bytes));
+  } catch (const NSMordel::XFormatViolation&) {
+    accepted = false;
+  } catch (const NSMordel::XVersionTooNew&) {
+    accepted = false;
+  }
+  EXPECT_LE(NSTest::LargestAllocation(), kPackageBufferLength + bytes.size());
+  return accepted;
+}
+
+TEST(PackageReaderTest, CutOrFlippedPackagesAreReadOrRefusedInBoundedMemory) {
+  NSTest::CComposing composing;
+  CMemoryMedia output;
+  composing.Compose(NSTest::ExampleEntries(), output);
+  const Bytes& whole = output.Bytes();
+  ASSERT_TRUE(ReadsToTheEnd(whole));
+  for (std::size_t length = 0; length < whole.size(); ++length) {
+    EXPECT_FALSE(ReadsToTheEnd({whole.begin(), whole.begin() + std::ptrdiff_t(length)})) << length;
+  }
+  for (std::size_t bit = 0; bit < 8 * whole.size(); ++bit) {
+    Bytes flipped = whole;
+    flipped[bit / 8] ^= static_cast<std::uint8_t>(1u << bit % 8);
+    ReadsToTheEnd(flipped);
+  }
+}
+
+TEST(PackageReaderTest, BrokenMediumIsAFailureToRead) {
+  const auto package = CParts().Write();
+  EXPECT_THROW(CPackageReader(std::make_shared<NSTest::CFailingMedia>(package, 0)),
+               NSMordel::XRead);
+}
+
+}  // namespace
+}  // namespace NSTambraPacking
