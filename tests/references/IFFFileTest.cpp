@@ -1,0 +1,158 @@
+#include <gtest/gtest.h>
+#include <memory>
+#include <rapidcheck.h>
+#include <string>
+#include <vector>
+
+#include "Parts/TolbrookPackage/Core/StdException.h"
+
+#include "package/MemoryMedia.h"
+#include "references/IFFFile.h"
+
+namespace NSTolbrook {
+namespace {
+
+using NSBigFilePackage::CMemoryMedia;
+using NSMordel::XIllegalCallSequence;
+
+constexpr FourCharCode kLeaf = MakeFourCharCode("LEAF");
+constexpr FourCharCode kTree = MakeFourCharCode("TREE");
+
+std::string Text(const std::shared_ptr<CMemoryMedia>& media) {
+  return {media->Bytes().begin(), media->Bytes().end()};
+}
+
+TEST(IFFWriter, WritesBothDialects) {
+  using namespace std::string_literals;
+  const std::vector<std::uint8_t> data{'a', 'b', 'c'};
+  const auto big = std::make_shared<CMemoryMedia>();
+  CIFFWriter2 iff(big);
+  iff.OpenChunk(kLeaf)->Write(0, data);
+  iff.CloseChunk(3);
+  iff.OpenGroup(EChunkKind::kForm, kTree);
+  iff.CloseChunk(0);
+  EXPECT_EQ(Text(big), "LEAF\0\0\0\3abc\0FORM\0\0\0\4TREE"s);
+
+  const auto little = std::make_shared<CMemoryMedia>();
+  CRIFFWriter2 riff(little);
+  riff.OpenGroup(EChunkKind::kForm, kTree)->Write(0, data);
+  riff.CloseChunk(3);
+  EXPECT_EQ(Text(little), "RIFF\7\0\0\0TREEabc\0"s);
+}
+
+TEST(IFFWriter, RefusesMisuse) {
+  CIFFWriter2 writer(std::make_shared<CMemoryMedia>());
+  EXPECT_THROW(writer.CloseChunk(0), XIllegalCallSequence);
+  EXPECT_THROW(writer.OpenChunk(MakeFourCharCode(" BAD")), std::invalid_argument);
+  EXPECT_THROW(writer.OpenChunk(kListID), std::invalid_argument);
+  EXPECT_THROW(writer.OpenGroup(EChunkKind::kForm, 0), std::invalid_argument);
+  EXPECT_THROW(writer.OpenGroup(EChunkKind::kPlain, kTree), std::logic_error);
+  writer.OpenGroup(EChunkKind::kForm, kTree);
+  EXPECT_THROW(writer.OpenChunk(kLeaf), XIllegalCallSequence);
+  EXPECT_THROW(writer.CloseChunk(0xFFFFFFFC), NSMordel::XOutOfSpace);
+}
+
+TEST(IFFFile, ClosesLevelsInReverseOrderOnly) {
+  const auto media = std::make_shared<CMemoryMedia>();
+  CIFFFileWriter writer(media);
+  const CIFFFileLevel outer = writer.OpenLevel(EChunkKind::kForm, kTree);
+  const CIFFFileLevel inner = writer.OpenLevel(EChunkKind::kList, kTree);
+  EXPECT_THROW(writer.CloseLevel(outer), XIllegalCallSequence);
+  writer.OpenChunk(kLeaf);
+  EXPECT_THROW(writer.CloseLevel(inner), XIllegalCallSequence);
+  writer.CloseChunk(0);
+  writer.CloseLevel(inner);
+  EXPECT_THROW(writer.CloseLevel(inner), XIllegalCallSequence);
+  const CIFFFileLevel second = writer.OpenLevel(EChunkKind::kList, kTree);
+  EXPECT_THROW(writer.CloseLevel(inner), XIllegalCallSequence);
+  writer.CloseLevel(second);
+  writer.CloseLevel(outer);
+  EXPECT_THROW(writer.CloseLevel({}), XIllegalCallSequence);
+
+  CIFFFileReader reader(media);
+  EXPECT_THROW(reader.NextChunk(), XIllegalCallSequence);
+  EXPECT_THROW(reader.OpenLevel(), XIllegalCallSequence);
+  ASSERT_TRUE(reader.FindGroup(EChunkKind::kForm, kTree));
+  const CIFFFileLevel form = reader.OpenLevel();
+  ASSERT_TRUE(reader.FirstChunk());
+  const CIFFFileLevel list = reader.OpenLevel();
+  EXPECT_THROW(reader.CloseLevel(form), XIllegalCallSequence);
+  reader.CloseLevel(list);
+  EXPECT_TRUE(reader.NextChunk());  // goes on behind the group that was open
+  EXPECT_FALSE(reader.NextChunk());
+  reader.CloseLevel(form);
+  EXPECT_THROW(reader.CloseLevel({}), XIllegalCallSequence);
+}
+
+TEST(IFFFile, CarriesGroupsOfAnyDepth) {
+  constexpr std::size_t kDepth = 100'000;
+  const auto media = std::make_shared<CMemoryMedia>();
+  CIFFFileWriter writer(media);
+  std::vector<CIFFFileLevel> levels;
+  for (std::size_t i = 0; i < kDepth; ++i) {
+    levels.push_back(writer.OpenLevel(EChunkKind::kForm, kTree));
+  }
+  writer.WriteChunk(kLeaf, std::vector<std::uint8_t>{1, 2, 3});
+  for (; !levels.empty(); levels.pop_back()) writer.CloseLevel(levels.back());
+  EXPECT_EQ(media->Size(), kDepth * 12 + 12);
+
+  CIFFFileReader reader(media);
+  while (reader.FirstChunk()->fKind == EChunkKind::kForm) reader.OpenLevel();
+  EXPECT_EQ(reader.Depth(), kDepth);
+  EXPECT_EQ(reader.OpenData()->Size(), 3u);
+}
+
+/// A random tree as a list of steps: a size for a plain chunk, -1 to open a group, -2 to close one.
+TEST(IFFFile, ReadsBackWhatItWrote) {
+  rc::check([](const std::vector<std::uint8_t>& choices) {
+    const auto media = std::make_shared<CMemoryMedia>();
+    CIFFFileWriter writer(media);
+    std::vector<CIFFFileLevel> levels;
+    std::vector<int> written;
+    for (const int choice : choices) {
+      if (choice % 4 == 0) {
+        levels.push_back(writer.OpenLevel(EChunkKind::kCatalogue, kTree));
+        written.push_back(-1);
+      } else if (choice % 4 == 1 && !levels.empty()) {
+        writer.CloseLevel(levels.back());
+        levels.pop_back();
+        written.push_back(-2);
+      } else {
+        const auto value = static_cast<std::uint8_t>(choice);
+        writer.WriteChunk(kLeaf, std::vector<std::uint8_t>(value, value));
+        written.push_back(choice);
+      }
+    }
+    for (; !levels.empty(); levels.pop_back()) {
+      writer.CloseLevel(levels.back());
+      written.push_back(-2);
+    }
+
+    std::vector<int> read;
+    CIFFFileReader reader(media);
+    auto chunk = reader.FirstChunk();
+    while (chunk || reader.Depth() > 0) {
+      if (!chunk) {
+        reader.CloseLevel(levels.back());
+        levels.pop_back();
+        read.push_back(-2);
+        chunk = reader.NextChunk();
+      } else if (chunk->fKind == EChunkKind::kCatalogue) {
+        levels.push_back(reader.OpenLevel());
+        read.push_back(-1);
+        chunk = reader.FirstChunk();
+      } else {
+        const auto value = static_cast<std::uint8_t>(chunk->fSize);
+        std::vector<std::uint8_t> data(value);
+        NSBigFilePackage::ReadExactly(*reader.OpenData(), 0, data);
+        RC_ASSERT(data == std::vector<std::uint8_t>(value, value));
+        read.push_back(value);
+        chunk = reader.NextChunk();
+      }
+    }
+    RC_ASSERT(read == written);
+  });
+}
+
+}  // namespace
+}  // namespace NSTolbrook
