@@ -1,6 +1,5 @@
 #include <dlfcn.h>
 #include <string>
-#include <utility>
 
 #include "Parts/TolbrookPackage/Core/DynamicLibrary.h"
 #include "Parts/TolbrookPackage/Core/Exception.h"
@@ -25,15 +24,6 @@ CDynamicLibrary::CDynamicLibrary(const NativePath& path)
   throw NSMordel::XOpen("cannot open the library: " + LastFailure(),
                         {{NSMordel::kTargetObjectType, kLibraryObject},
                          {NSMordel::kTargetObjectId, DisplayText(path)}});
-}
-
-CDynamicLibrary::CDynamicLibrary(CDynamicLibrary&& other) noexcept
-    : fPath(std::move(other.fPath)), fHandle(std::exchange(other.fHandle, nullptr)) {}
-
-CDynamicLibrary& CDynamicLibrary::operator=(CDynamicLibrary&& other) noexcept {
-  std::swap(fPath, other.fPath);
-  std::swap(fHandle, other.fHandle);
-  return *this;
 }
 
 CDynamicLibrary::~CDynamicLibrary() {
