@@ -45,6 +45,19 @@ TEST(PackageComposerTest, DocumentedExampleIsWrittenToTheByte) {
                                       "3 Splash.jpg", "4 One.ops", "end 7"}));
 }
 
+TEST(PackageComposerTest, FirstOfTwoSplashesIsNamedAndEmptyEntriesTakeNoRoom) {
+  Entries entries = ExampleEntries();
+  entries.push_back(MakeEntry(u"Empty.mid", 10, 1, ""));
+  entries.push_back(MakeEntry(u"Splash.jpg", 9, 1, "@@"));
+  CComposing composing;
+  const auto output = std::make_shared<CMemoryMedia>();
+  EXPECT_EQ(composing.Compose(entries, *output).fSplashOffset, 5u);
+  const auto read = CPackageReader(output).ReadEntries();
+  ASSERT_EQ(read.size(), 5u);
+  EXPECT_EQ(read[3]->Data()->Size(), 0u);
+  EXPECT_EQ(NSTest::TextOf(*read[4]->Data()), "@@");
+}
+
 /// What a failure says: its class by a letter, its message and one of the keys.
 std::string Describe(const Entries& entries) {
   CComposing composing;
