@@ -2,12 +2,14 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "Parts/TolbrookPackage/Core/FileItem.h"
 #include "Parts/TolbrookPackage/Core/Media.h"
+#include "references/ReferenceInterfaces.h"
 
 namespace NSTambraPacking {
 
@@ -18,6 +20,15 @@ enum class ERemark {
   kSamplesConverted,     ///< the samples were converted to 16 or 24 bits: not the same bits
   kSourceNotRestorable,  ///< the samples are the same, but the source file's bytes are not kept
   kLoopStructureOnly,    ///< no sliced-loop library: only the chunk structure was checked
+};
+
+/// A reference of a document and where it leads.
+struct CResolvedReference {
+  /// As it stands in the packing log.
+  std::u16string fPrinted;
+  CResolution fResolution;
+  /// The reference itself when its file was not found, to tell why; else null.
+  std::shared_ptr<const CSampleReference> fNotFound;
 };
 
 /// What handlers of both kinds are given besides the file. One context serves one file; the
@@ -36,13 +47,22 @@ struct CHandlerContext {
 
 struct CVerifyContext : CHandlerContext {
   std::vector<std::u16string> fProhibitedDevices;
+  /// Null when references are not to be looked up: the entry is then checked as it is.
+  const IReferenceResolver* fResolver = nullptr;
   /// May be null: sliced-loop files are then checked by their structure alone.
   const ISlicedLoopLibrary* fSlicedLoopLibrary = nullptr;
   /// Filled by the handler: those of fProhibitedDevices that the file uses.
   std::set<std::u16string> fProhibitedDevicesUsed;
+  /// Filled by the handler when there is a resolver: every reference, in document order.
+  std::vector<CResolvedReference> fReferences;
 };
 
-struct CPackContext : CHandlerContext {};
+struct CPackContext : CHandlerContext {
+  /// Rewrites the references of patches and songs; other files do without.
+  const IReferenceRelocator* fRelocator = nullptr;
+  /// Filled by the handler: the references that could not be relocated, printed.
+  std::vector<std::u16string> fUnresolved;
+};
 
 /// Checks files of one type, both in the input folder and read back from a finished package.
 class IFileTypeVerifier {

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+
+namespace NSTolbrook {
+
+/// A series of independent items that threads work on ahead while the caller takes them in order.
+struct COrderedWork {
+  std::size_t fCount = 0;
+  /// How many threads work; 0 or 1 means the calling thread alone, item by item.
+  unsigned fJobs = 1;
+  /// Called on the calling thread, in rising order, before the item's result is waited for.
+  std::function<void(std::size_t index)> fBegin;
+  /// Called on any thread, several at once. What it throws is raised again on the calling thread
+  /// when the item's turn has come.
+  std::function<void(std::size_t index)> fWork;
+  /// Called on the calling thread, in rising order, when the item's work is done.
+  std::function<void(std::size_t index)> fFinish;
+  /// Asked by the caller while it waits; when it turns true, XSilentAbort "User aborted" is raised.
+  std::function<bool()> fStopRequested;
+  /// Called once when the work ends early, so that workers which are busy can be told to stop.
+  std::function<void()> fCancel;
+};
+
+/// Runs the series to its end, or to the first exception of fBegin, fWork or fFinish, which is
+/// raised again after all threads have ended. Workers run at most a bounded number of items ahead.
+void RunOrdered(const COrderedWork& work);
+
+}  // namespace NSTolbrook

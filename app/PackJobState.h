@@ -1,0 +1,86 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "app/FolderScan.h"
+#include "app/PackageInformation.h"
+#include "app/PackingLog.h"
+#include "filetypes/FileTypeInterfaces.h"
+#include "package/EntryTree.h"
+#include "package/PackageEntry.h"
+
+namespace NSTambraPacking {
+
+/// Why an entry is not (or no longer) meant for the package.
+enum class ELeftOut {
+  kNo,
+  kSkipItem,          ///< named by the publisher
+  kUnsupported,       ///< of no known type, and the user went on without it
+  kProhibitedDevice,  ///< uses a prohibited device
+  kPropagation,       ///< refers to a sample that is left out
+  kUnusedSample,      ///< nothing refers to it
+  kUnresolved,        ///< its references could not be relocated
+  kNotPackable,       ///< its references are of an unsupported kind
+  kBadFormat,         ///< could not be packed, and the user went on without it
+};
+
+/// One file of the input folder on its way through the run.
+struct CJobEntry {
+  CScannedFile fFile;
+  /// Path and type code from the start, data from phase 4 on.
+  std::shared_ptr<CPackageEntry> fEntry;
+  const IFileTypePacker* fPacker = nullptr;
+  ELeftOut fLeftOut = ELeftOut::kNo;
+  bool fFailed = false;
+  /// Why the entry failed or was left out, in plain English; may be empty.
+  std::string fReason;
+  /// What the verifier found.
+  std::vector<CResolvedReference> fReferences;
+  std::set<std::u16string> fProhibitedDevices;
+  std::set<ERemark> fRemarks;
+  /// The references that could not be relocated, printed.
+  std::vector<std::u16string> fUnresolved;
+
+  /// True for a file that is to be verified and packed: no information file, not left out.
+  bool TakesPart() const { return !fFile.fIsInformation && fLeftOut == ELeftOut::kNo; }
+};
+
+/// What a run is asked to do.
+struct CPackSettings {
+  NSTolbrook::CFileItem fInputFolder;
+  NSTolbrook::CFileItem fOutputFolder;
+  /// Threads that verify and pack.
+  unsigned fJobs = 1;
+  /// May be null; must outlive the run.
+  const ISlicedLoopLibrary* fSlicedLoopLibrary = nullptr;
+};
+
+/// All that a run knows; made when it starts and gone when it ends.
+struct CPackJobState {
+  CPackSettings fSettings;
+  NSTolbrook::CFileItem fOutputFile;
+  CPackageInformation fInformation;
+  CPackOptions fOptions;
+
+  /// In scan order.
+  std::vector<CJobEntry> fEntries;
+  /// The information files' bytes as first read, so that a change on disk does not split the run.
+  std::vector<CInformationFile> fInformationFiles;
+  /// Index in fEntries of each file by its path.
+  std::unordered_map<std::u16string, std::size_t> fEntryOfPath;
+  std::vector<CScannedShortcut> fShortcuts;
+  CEntryTree fTree;
+
+  /// What the log tells; its three problem lists make the run count as failed.
+  CPackLists fLists;
+  std::optional<NSTolbrook::CFileItem> fLogFile;
+};
+
+}  // namespace NSTambraPacking

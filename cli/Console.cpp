@@ -1,0 +1,100 @@
+#include "cli/Console.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <nlohmann/json.hpp>
+#include <utf8proc.h>
+
+#include "Parts/TolbrookPackage/Core/Exception.h"
+#include "Parts/TolbrookPackage/Core/Text.h"
+
+namespace NSTambraCli {
+
+namespace {
+
+constexpr char16_t kReplacement = 0xFFFD;
+constexpr std::u16string_view kCut = u"…";
+
+void WriteLine(std::FILE* stream, std::string_view line) {
+  const bool written = std::fwrite(line.data(), 1, line.size(), stream) == line.size() &&
+                       std::fputc('\n', stream) != EOF;
+  if (!written) throw NSMordel::XWrite("standard output takes no more");
+}
+
+/// The code point at `index`, which moves on behind it.
+utf8proc_int32_t TakeCodePoint(std::u16string_view text, std::size_t& index) {
+  const auto unit = static_cast<std::uint32_t>(text[index++]);
+  const bool paired = unit >= 0xD800 && unit < 0xDC00 && index < text.size() &&
+                      text[index] >= 0xDC00 && text[index] < 0xE000;
+  if (!paired) return static_cast<utf8proc_int32_t>(unit);
+  const auto low = static_cast<std::uint32_t>(text[index++]);
+  return static_cast<utf8proc_int32_t>(0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00));
+}
+
+std::size_t CharacterWidth(utf8proc_int32_t code) {
+  return static_cast<std::size_t>(std::max(0, utf8proc_charwidth(code)));
+}
+
+std::size_t PaddingOf(const std::string& text, std::size_t width) {
+  const std::size_t taken = DisplayWidth(NSTolbrook::TextFromUtf8(text));
+  return taken < width ? width - taken : 0;
+}
+
+}  // namespace
+
+void CConsole::Print(std::string_view line) const { WriteLine(stdout, line); }
+
+void CConsole::PrintJson(const nlohmann::ordered_json& value) const {
+  Print(value.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace));
+  if (std::fflush(stdout) != 0) throw NSMordel::XWrite("standard output takes no more");
+}
+
+void CConsole::Note(std::string_view line) const {
+  if (!fQuiet) Warn(line);
+}
+
+void CConsole::Warn(std::string_view line) const {
+  // What cannot be told on standard error cannot be told at all: nothing else is left to tell it.
+  std::fwrite(line.data(), 1, line.size(), stderr);
+  std::fputc('\n', stderr);
+}
+
+std::string Printable(std::u16string_view text) {
+  std::u16string shown(text);
+  std::replace_if(
+      shown.begin(), shown.end(),
+      [](char16_t unit) { return unit < 0x20 || (unit >= 0x7F && unit < 0xA0); }, kReplacement);
+  return NSTolbrook::Utf8FromText(shown);
+}
+
+std::size_t DisplayWidth(std::u16string_view text) {
+  std::size_t width = 0;
+  for (std::size_t index = 0; index < text.size();) {
+    width += CharacterWidth(TakeCodePoint(text, index));
+  }
+  return width;
+}
+
+std::u16string FitWidth(std::u16string_view text, std::size_t width) {
+  if (DisplayWidth(text) <= width) return std::u16string(text);
+  if (width == 0) return {};
+  std::size_t taken = 0;
+  std::size_t index = 0;
+  while (index < text.size()) {
+    std::size_t next = index;
+    taken += CharacterWidth(TakeCodePoint(text, next));
+    if (taken > width - DisplayWidth(kCut)) break;
+    index = next;
+  }
+  return std::u16string(text.substr(0, index)).append(kCut);
+}
+
+std::string PadRight(const std::string& text, std::size_t width) {
+  return text + std::string(PaddingOf(text, width), ' ');
+}
+
+std::string PadLeft(const std::string& text, std::size_t width) {
+  return std::string(PaddingOf(text, width), ' ') + text;
+}
+
+}  // namespace NSTambraCli

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstdint>
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+#include <string_view>
+
+namespace NSTambraCli {
+
+/// Where the program's output goes: data to standard output, everything else to standard error.
+/// Text from files can hold anything; Printable makes it harmless for a terminal.
+class CConsole {
+ public:
+  CConsole(bool json, bool quiet) : fJson(json), fQuiet(quiet) {}
+
+  bool Json() const { return fJson; }
+  bool Quiet() const { return fQuiet; }
+
+  /// A line of data. Throws XWrite when standard output takes no more (a closed pipe, a full disk).
+  void Print(std::string_view line) const;
+  /// One JSON value on a line of its own.
+  void PrintJson(const nlohmann::ordered_json& value) const;
+  /// A line for the user on standard error; nothing when quiet.
+  void Note(std::string_view line) const;
+  /// As Note, even when quiet: what went wrong, and questions.
+  void Warn(std::string_view line) const;
+
+ private:
+  bool fJson;
+  bool fQuiet;
+};
+
+/// UTF-8 of `text` with every control character shown as U+FFFD, line ends included.
+std::string Printable(std::u16string_view text);
+
+/// Columns that `text` takes on a terminal: 2 for wide East Asian characters, 0 for combining ones.
+std::size_t DisplayWidth(std::u16string_view text);
+
+/// `text` cut to at most `width` columns, with "…" at the cut.
+std::u16string FitWidth(std::u16string_view text, std::size_t width);
+
+/// `text` with blanks behind it up to `width` columns.
+std::string PadRight(const std::string& text, std::size_t width);
+/// `text` with blanks before it up to `width` columns.
+std::string PadLeft(const std::string& text, std::size_t width);
+
+}  // namespace NSTambraCli

@@ -1,0 +1,156 @@
+#include "cli/ConsoleAlertPresenter.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <iostream>
+#include <nlohmann/json.hpp>
+
+#include "Parts/TolbrookPackage/Core/Exception.h"
+#include "Parts/TolbrookPackage/Core/Text.h"
+
+#include "cli/StopSignal.h"
+
+namespace NSTambraCli {
+
+namespace {
+
+using NSTambraPacking::CAlertNumber;
+using NSTambraPacking::CAlertText;
+using NSTambraPacking::EAlertKind;
+
+/// The alerts whose answer decides how the run goes on; the others are only shown.
+constexpr std::array kQuestions = {
+    NSTambraPacking::kAlertContinueWithout, NSTambraPacking::kAlertRefersToTambra,
+    NSTambraPacking::kAlertReplace, NSTambraPacking::kAlertUnsupported,
+    NSTambraPacking::kAlertRefersToTambras};
+
+bool IsQuestion(CAlertNumber number) {
+  return std::find(kQuestions.begin(), kQuestions.end(), number) != kQuestions.end();
+}
+
+std::string KindName(EAlertKind kind) {
+  switch (kind) {
+    case EAlertKind::kNone:
+      return "none";
+    case EAlertKind::kStop:
+      return "stop";
+    case EAlertKind::kNote:
+      return "note";
+    case EAlertKind::kWarn:
+      return "warn";
+  }
+  return "none";
+}
+
+bool SameLabel(std::u16string_view left, std::u16string_view right) {
+  return NSTolbrook::ComparisonKey(left) == NSTolbrook::ComparisonKey(right);
+}
+
+std::optional<int> AnswerOfLabel(const CAlertText& alert, std::u16string_view label) {
+  for (std::size_t index = 0; index < alert.fButtons.size(); ++index) {
+    if (SameLabel(alert.fButtons[index], label)) return alert.Answer(index);
+  }
+  return std::nullopt;
+}
+
+/// The message on one line or several, as its line breaks ask for.
+std::string MessageLines(const CAlertText& alert) {
+  std::string lines;
+  std::u16string_view rest = alert.fMessage;
+  while (true) {
+    const std::size_t end = rest.find_first_of(u"\r\n");
+    lines += Printable(rest.substr(0, end));
+    if (end == std::u16string_view::npos) return lines;
+    lines += '\n';
+    rest.remove_prefix(end + 1);
+  }
+}
+
+}  // namespace
+
+void AddAnswer(CPreparedAnswers& answers, std::string_view pair) {
+  const std::size_t equals = pair.find('=');
+  int number = 0;
+  const char* const end = pair.data() + std::min(equals, pair.size());
+  const auto parsed = std::from_chars(pair.data(), end, number);
+  if (equals == std::string_view::npos || parsed.ec != std::errc{} || parsed.ptr != end) {
+    throw NSMordel::XFormatViolation("\"" + std::string(pair) +
+                                     "\" is no answer; write ALERT=BUTTON, such as 20=Replace");
+  }
+  answers.fAnswers[number] = NSTolbrook::TextFromUtf8(pair.substr(equals + 1));
+}
+
+CConsoleAlertPresenter::CConsoleAlertPresenter(const CConsole& console, CPreparedAnswers answers,
+                                               bool canAsk)
+    : fConsole(console), fAnswers(std::move(answers)), fCanAsk(canAsk) {}
+
+int CConsoleAlertPresenter::Show(CAlertNumber number, const CAlertText& alert) {
+  if (!IsQuestion(number)) {
+    Report(number, alert, std::nullopt);
+    return NSTambraPacking::kLastButton;
+  }
+  const std::optional<int> prepared = PreparedAnswer(number, alert);
+  if (!prepared && fCanAsk) return Ask(alert);
+  const int answer = prepared.value_or(NSTambraPacking::kButtonBefore);
+  Report(number, alert, answer);
+  return answer;
+}
+
+std::optional<int> CConsoleAlertPresenter::PreparedAnswer(CAlertNumber number,
+                                                          const CAlertText& alert) const {
+  const auto found = fAnswers.fAnswers.find(number.fEntry);
+  if (found != fAnswers.fAnswers.end()) {
+    if (const auto answer = AnswerOfLabel(alert, found->second)) return answer;
+    fConsole.Warn("Alert " + std::to_string(number.fEntry) + " has no button \"" +
+                  Printable(found->second) + "\".");
+  }
+  if (fAnswers.fYes) return NSTambraPacking::kLastButton;
+  return std::nullopt;
+}
+
+int CConsoleAlertPresenter::Ask(const CAlertText& alert) const {
+  fConsole.Warn(MessageLines(alert));
+  while (true) {
+    std::string choices;
+    for (std::size_t index = 0; index < alert.fButtons.size(); ++index) {
+      choices += (index == 0 ? "[" : "  [") + std::to_string(index + 1) + "] " +
+                 Printable(alert.fButtons[index]);
+    }
+    fConsole.Warn(choices);
+    std::string line;
+    if (!std::getline(std::cin, line)) {
+      if (CStopSignal::Requested()) throw NSMordel::XSilentAbort("User aborted");
+      return NSTambraPacking::kButtonBefore;
+    }
+    if (const auto answer = AnswerOfLabel(alert, NSTolbrook::TextFromUtf8(line))) return *answer;
+    std::size_t number = 0;
+    const auto parsed = std::from_chars(line.data(), line.data() + line.size(), number);
+    if (parsed.ec == std::errc{} && number >= 1 && number <= alert.fButtons.size()) {
+      return alert.Answer(number - 1);
+    }
+  }
+}
+
+void CConsoleAlertPresenter::Report(CAlertNumber number, const CAlertText& alert,
+                                    std::optional<int> answer) const {
+  std::u16string label;
+  for (std::size_t index = 0; answer && index < alert.fButtons.size(); ++index) {
+    if (alert.Answer(index) == *answer) label = alert.fButtons[index];
+  }
+  if (!fConsole.Json()) {
+    const std::string lines = MessageLines(alert);
+    fConsole.Warn(label.empty() ? lines : lines + "\n[" + Printable(label) + "]");
+    return;
+  }
+  nlohmann::ordered_json event = {{"event", "alert"},
+                                  {"table", number.fTable},
+                                  {"number", number.fEntry},
+                                  {"kind", KindName(alert.fKind)},
+                                  {"title", NSTolbrook::Utf8FromText(alert.fTitle)},
+                                  {"message", NSTolbrook::Utf8FromText(alert.fMessage)}};
+  if (!label.empty()) event["answer"] = NSTolbrook::Utf8FromText(label);
+  fConsole.PrintJson(event);
+}
+
+}  // namespace NSTambraCli

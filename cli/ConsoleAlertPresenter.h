@@ -1,0 +1,44 @@
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "app/AlertPresenter.h"
+#include "app/TextResources.h"
+#include "cli/Console.h"
+
+namespace NSTambraCli {
+
+/// The answers that the command line gives in advance.
+struct CPreparedAnswers {
+  /// Button labels by the number of the alert in table 128.
+  std::map<int, std::u16string> fAnswers;
+  bool fYes = false;  ///< the last-listed button for every question without its own answer
+};
+
+/// Parses "ALERT=BUTTON" into `answers`. Throws XFormatViolation when it is no such pair.
+void AddAnswer(CPreparedAnswers& answers, std::string_view pair);
+
+/// Shows alerts as lines of text. Questions are asked on a terminal; elsewhere they are answered
+/// by the prepared answers, else by the careful button.
+class CConsoleAlertPresenter : public NSTambraPacking::IAlertPresenter {
+ public:
+  CConsoleAlertPresenter(const CConsole& console, CPreparedAnswers answers, bool canAsk);
+
+  int Show(NSTambraPacking::CAlertNumber number, const NSTambraPacking::CAlertText& alert) override;
+
+ private:
+  std::optional<int> PreparedAnswer(NSTambraPacking::CAlertNumber number,
+                                    const NSTambraPacking::CAlertText& alert) const;
+  int Ask(const NSTambraPacking::CAlertText& alert) const;
+  void Report(NSTambraPacking::CAlertNumber number, const NSTambraPacking::CAlertText& alert,
+              std::optional<int> answer) const;
+
+  const CConsole& fConsole;
+  CPreparedAnswers fAnswers;
+  bool fCanAsk;
+};
+
+}  // namespace NSTambraCli

@@ -1,0 +1,41 @@
+#include <atomic>
+#include <signal.h>
+#include <unistd.h>
+
+#include "cli/ExitStatus.h"
+#include "cli/StopSignal.h"
+
+namespace NSTambraCli {
+
+namespace {
+
+std::atomic<bool> gRequested = false;
+static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler sets it");
+
+/// The first interrupt is noted, a second one ends the program.
+void Note(int) {
+  if (gRequested.exchange(true)) _exit(kExitStopped);
+}
+
+struct sigaction gInterrupt, gTerminate;
+
+}  // namespace
+
+CStopSignal::CStopSignal() {
+  gRequested = false;
+  struct sigaction action {};
+  action.sa_handler = Note;
+  action.sa_flags = 0;  // a question that waits for its answer ends, too
+  sigemptyset(&action.sa_mask);
+  sigaction(SIGINT, &action, &gInterrupt);
+  sigaction(SIGTERM, &action, &gTerminate);
+}
+
+CStopSignal::~CStopSignal() {
+  sigaction(SIGINT, &gInterrupt, nullptr);
+  sigaction(SIGTERM, &gTerminate, nullptr);
+}
+
+bool CStopSignal::Requested() { return gRequested; }
+
+}  // namespace NSTambraCli
