@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "Parts/TolbrookPackage/Core/ApplicationName.h"
 #include "Parts/TolbrookPackage/Core/Exception.h"
 #include "Parts/TolbrookPackage/Core/Text.h"
 
@@ -44,16 +45,15 @@ void CSF10DevicePatchDescriptionChunk::WriteBody(CMediaCursor& output) const {
   NSTolbrook::WriteBodyString(output, NSTolbrook::StrictUtf8FromText(fDescription.fIdentifier));
 }
 
-CSF10DeviceDescriptionChunk::CSF10DeviceDescriptionChunk(std::string applicationName)
-    : CABCFormat("device"), fApplicationName(std::move(applicationName)) {}
+CSF10DeviceDescriptionChunk::CSF10DeviceDescriptionChunk() : CABCFormat("device") {}
 
 void CSF10DeviceDescriptionChunk::ReadBody(CMediaCursor& input) {
   fDescription = ReadDescription(input);
 }
 
 void CSF10DeviceDescriptionChunk::CheckWritable() const {
-  throw NSMordel::XIllegalCallSequence("Cannot write CSF10DeviceDescriptionChunk in " +
-                                       fApplicationName);
+  throw NSMordel::XIllegalCallSequence(std::string("Cannot write CSF10DeviceDescriptionChunk in ") +
+                                       NSTolbrook::kApplicationDisplayName);
 }
 
 void CSF10DeviceDescriptionChunk::WriteBody(CMediaCursor&) const { CheckWritable(); }

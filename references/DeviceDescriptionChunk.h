@@ -35,7 +35,7 @@ class CSF10DevicePatchDescriptionChunk : public NSTolbrook::CABCFormat {
 /// the application's display name, since device descriptions are never rewritten.
 class CSF10DeviceDescriptionChunk : public NSTolbrook::CABCFormat {
  public:
-  explicit CSF10DeviceDescriptionChunk(std::string applicationName);
+  CSF10DeviceDescriptionChunk();
 
   const CDeviceDescription& Description() const { return fDescription; }
 
@@ -44,7 +44,6 @@ class CSF10DeviceDescriptionChunk : public NSTolbrook::CABCFormat {
   void CheckWritable() const override;
   void WriteBody(NSBigFilePackage::CMediaCursor& output) const override;
 
-  std::string fApplicationName;
   CDeviceDescription fDescription;
 };
 
