@@ -1,0 +1,63 @@
+#pragma once
+
+#include <exception>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Parts/TolbrookPackage/Core/ExceptionResponder.h"
+
+#include "app/AlertPresenter.h"
+#include "app/TextNumbers.h"
+#include "app/TextResources.h"
+
+namespace NSTambraPacking {
+
+/// Context keys of failures that have an alert of their own, beside kSplashKey, kTambraNameKey and
+/// kVersionKey. The output folder lies inside the input folder; the value is the output folder.
+inline constexpr const char* kOutputFolderKey = "outputfolder";
+/// The package would not fit; the value is its size in bytes, "secondary_object_id" the limit.
+inline constexpr const char* kPackageSizeKey = "tambrasize";
+
+/// What the pack job was doing when a failure left it.
+enum class ESituation {
+  kGeneral,
+  kScanning,
+  kVerifying,
+  kPacking,
+  kComposing,
+  kFinalVerification,
+};
+
+struct CAlertChoice {
+  CAlertNumber fNumber;
+  std::vector<std::u16string> fArguments;
+};
+
+/// The alert that a failure is shown as; none for XAbort and XSilentAbort. `fileName` is what the
+/// job was working on (a file, or the package), or empty. Names the splash, the package's name and
+/// version, the output folder and the package's size come from the failure itself; a shortcut that
+/// cannot be resolved while scanning, a file that cannot be verified or packed and a package that
+/// cannot be composed or fails the final verification have alerts that name `fileName`. Failures
+/// in none of these situations are shown by their kind and the type of the failing object.
+std::optional<CAlertChoice> ChooseAlert(const std::exception_ptr& failure, ESituation situation,
+                                        const std::u16string& fileName);
+
+/// Shows the alert of `choice` and returns the answer.
+int ShowAlert(const CTextResources& texts, IAlertPresenter& presenter, const CAlertChoice& choice);
+
+/// Shows failures that reached the top as alerts, by their kind.
+class CExceptionResponder : public NSMordel::IExceptionResponder {
+ public:
+  /// Both must outlive the responder.
+  CExceptionResponder(const CTextResources& texts, IAlertPresenter& presenter)
+      : fTexts(texts), fPresenter(presenter) {}
+
+  void Respond(std::exception_ptr failure) override;
+
+ private:
+  const CTextResources& fTexts;
+  IAlertPresenter& fPresenter;
+};
+
+}  // namespace NSTambraPacking

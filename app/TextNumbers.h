@@ -1,0 +1,130 @@
+#pragma once
+
+/// Where every text that the program shows stands in the text tables. The wording itself is in
+/// resources/ only.
+namespace NSTambraPacking {
+
+/// An entry of a string table.
+struct CStringNumber {
+  int fTable;
+  int fEntry;
+  friend bool operator==(const CStringNumber&, const CStringNumber&) = default;
+};
+
+/// An entry of an alert table.
+struct CAlertNumber {
+  int fTable;
+  int fEntry;
+  friend bool operator==(const CAlertNumber&, const CAlertNumber&) = default;
+};
+
+inline constexpr int kMenuTable = 128;
+inline constexpr int kGenericAlertTable = 1997;
+/// Entry = the file type's row in the file type table, from 1.
+inline constexpr int kFileTypeNameTable = 2000;
+
+// Web addresses
+inline constexpr CStringNumber kHomePageAddress{128, 34};
+inline constexpr CStringNumber kSupportPageAddress{128, 35};
+
+// Progress: the entry of stage 0, those of the later stages follow it
+inline constexpr CStringNumber kFirstStageLine{128, 40};
+inline constexpr CStringNumber kFirstItemLine{128, 50};
+inline constexpr CStringNumber kTimeEstimating{128, 60};
+inline constexpr CStringNumber kTimeHours{128, 61};
+inline constexpr CStringNumber kTimeMinutes{128, 62};
+inline constexpr CStringNumber kTimeAboutOneMinute{128, 63};
+inline constexpr CStringNumber kTimeLessThanOneMinute{128, 64};
+
+// Packing log
+inline constexpr CStringNumber kLogName{128, 71};
+inline constexpr CStringNumber kNumberedLogName{128, 72};
+inline constexpr CStringNumber kLogFailed{128, 73};
+inline constexpr CStringNumber kLogUnresolved{128, 74};
+inline constexpr CStringNumber kLogBroken{128, 75};
+inline constexpr CStringNumber kLogExternal{128, 76};
+inline constexpr CStringNumber kLogProhibited{128, 77};
+inline constexpr CStringNumber kLogProhibitedLine{128, 78};
+inline constexpr CStringNumber kLogSkipped{128, 79};
+inline constexpr CStringNumber kLogUnreferenced{128, 80};
+inline constexpr CStringNumber kLogComplete{128, 81};
+inline constexpr CStringNumber kLogAborted{128, 82};
+inline constexpr CStringNumber kLogReference{128, 83};
+inline constexpr CStringNumber kListSeparator{128, 84};
+
+// The program and remarks on accepted files
+inline constexpr CStringNumber kProgramName{128, 300};
+inline constexpr CStringNumber kProgramVersion{128, 301};
+inline constexpr CStringNumber kSamplesConverted{128, 310};
+inline constexpr CStringNumber kSourceNotRestorable{128, 311};
+inline constexpr CStringNumber kLoopStructureOnly{128, 312};
+
+// Standard menus
+inline constexpr CStringNumber kFileMenu{1000, 1};
+inline constexpr CStringNumber kEditMenu{1000, 2};
+inline constexpr CStringNumber kHelpMenu{1000, 3};
+inline constexpr CStringNumber kQuitItem{1000, 10};
+inline constexpr CStringNumber kUndoItem{1000, 11};
+inline constexpr CStringNumber kRedoItem{1000, 12};
+inline constexpr CStringNumber kCutItem{1000, 13};
+inline constexpr CStringNumber kCopyItem{1000, 14};
+inline constexpr CStringNumber kPasteItem{1000, 15};
+inline constexpr CStringNumber kSelectAllItem{1000, 16};
+inline constexpr CStringNumber kCloseItem{1000, 17};
+
+// Versions: the entry of a final version without a build number; the stages 1 to 4 follow it
+inline constexpr CStringNumber kVersionFormat{1997, 0};
+
+// Alerts of the pack job
+inline constexpr CAlertNumber kAlertNoName{128, 4};
+inline constexpr CAlertNumber kAlertPacked{128, 5};
+inline constexpr CAlertNumber kAlertPackedWithNotes{128, 6};
+inline constexpr CAlertNumber kAlertProblems{128, 7};
+inline constexpr CAlertNumber kAlertBadFormatCancelled{128, 8};
+inline constexpr CAlertNumber kAlertNotPacked{128, 9};
+inline constexpr CAlertNumber kAlertContinueWithout{128, 10};
+inline constexpr CAlertNumber kAlertNotVerified{128, 11};
+inline constexpr CAlertNumber kAlertNoSplash{128, 12};
+inline constexpr CAlertNumber kAlertBadSplash{128, 13};
+inline constexpr CAlertNumber kAlertBadFormat{128, 15};
+inline constexpr CAlertNumber kAlertBadReference{128, 16};
+inline constexpr CAlertNumber kAlertRefersToTambra{128, 18};
+inline constexpr CAlertNumber kAlertStop{128, 19};
+inline constexpr CAlertNumber kAlertReplace{128, 20};
+inline constexpr CAlertNumber kAlertUnsupported{128, 21};
+inline constexpr CAlertNumber kAlertRefersToTambras{128, 23};
+inline constexpr CAlertNumber kAlertUnresolved{128, 24};
+inline constexpr CAlertNumber kAlertFileProblem{128, 25};
+inline constexpr CAlertNumber kAlertBadShortcut{128, 26};
+inline constexpr CAlertNumber kAlertUnknownException{128, 200};
+inline constexpr CAlertNumber kAlertInternalError{128, 201};
+inline constexpr CAlertNumber kAlertUnknownError{128, 300};
+inline constexpr CAlertNumber kAlertBadVersion{128, 301};
+inline constexpr CAlertNumber kAlertVersionTooNew{128, 302};
+inline constexpr CAlertNumber kAlertBadName{128, 303};
+inline constexpr CAlertNumber kAlertOutputInsideInput{128, 304};
+inline constexpr CAlertNumber kAlertTooLarge{128, 305};
+
+// Generic alerts
+inline constexpr CAlertNumber kGenericOutOfMemory{1997, 0};
+inline constexpr CAlertNumber kGenericDiskFull{1997, 3};
+inline constexpr CAlertNumber kGenericNotFound{1997, 4};
+inline constexpr CAlertNumber kGenericBadFormat{1997, 6};
+inline constexpr CAlertNumber kGenericUnsupported{1997, 7};
+inline constexpr CAlertNumber kGenericRead{1997, 8};
+inline constexpr CAlertNumber kGenericWrite{1997, 9};
+inline constexpr CAlertNumber kGenericMedia{1997, 10};
+inline constexpr CAlertNumber kGenericUnrecoverable{1997, 12};
+inline constexpr CAlertNumber kGenericLocked{1997, 13};
+inline constexpr CAlertNumber kGenericResolve{1997, 14};
+inline constexpr CAlertNumber kGenericFolder{1997, 15};
+inline constexpr CAlertNumber kGenericNotReady{1997, 16};
+inline constexpr CAlertNumber kGenericAccess{1997, 17};
+inline constexpr CAlertNumber kGenericNetwork{1997, 18};
+inline constexpr CAlertNumber kGenericItemNotFound{1997, 19};
+inline constexpr CAlertNumber kGenericObjectNotFound{1997, 20};
+inline constexpr CAlertNumber kGenericFileSystem{1997, 21};
+inline constexpr CAlertNumber kGenericHelp{1997, 22};
+inline constexpr CAlertNumber kGenericBadSample{1997, 23};
+
+}  // namespace NSTambraPacking
