@@ -1,0 +1,17 @@
+#include <gtest/gtest.h>
+#include <string_view>
+#include <vector>
+
+#include "Parts/TolbrookPackage/Core/CRC16.h"
+
+namespace {
+
+TEST(CRC16, KnownValues) {
+  const std::string_view text = "123456789";
+  const std::vector<std::uint8_t> digits(text.begin(), text.end());
+  EXPECT_EQ(NSTolbrook::CRC16(digits), 0x31C3);
+  EXPECT_EQ(NSTolbrook::CRC16({}), 0);
+  EXPECT_EQ(NSTolbrook::CRC16(std::vector<std::uint8_t>{1}), 0x1021);
+}
+
+}  // namespace
