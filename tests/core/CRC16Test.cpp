@@ -6,12 +6,15 @@
 
 namespace {
 
-TEST(CRC16, KnownValues) {
+TEST(CRC16, KnownValuesWholeAndInParts) {
   const std::string_view text = "123456789";
   const std::vector<std::uint8_t> digits(text.begin(), text.end());
   EXPECT_EQ(NSTolbrook::CRC16(digits), 0x31C3);
   EXPECT_EQ(NSTolbrook::CRC16({}), 0);
   EXPECT_EQ(NSTolbrook::CRC16(std::vector<std::uint8_t>{1}), 0x1021);
+  const std::span whole(digits);
+  const std::uint16_t first = NSTolbrook::CRC16(whole.first(4));
+  EXPECT_EQ(NSTolbrook::CRC16(whole.subspan(4), first), 0x31C3);
 }
 
 }  // namespace
