@@ -7,7 +7,8 @@
 #include "Parts/TolbrookPackage/Core/ByteOrder.h"
 #include "Parts/TolbrookPackage/Core/Exception.h"
 #include "Parts/TolbrookPackage/Core/FourCharCode.h"
-#include "Parts/TolbrookPackage/Core/Text.h"
+
+#include "codecs/EmbeddedName.h"
 
 namespace NSTambraPacking {
 
@@ -135,11 +136,6 @@ class CTempoClock {
   double fTempo = kDefaultTempo;
 };
 
-std::u16string DecodeName(const std::string& bytes) {
-  auto text = NSTolbrook::StrictTextFromUtf8(bytes);
-  return text ? *text : NSTolbrook::TextFromWindows1252(bytes);
-}
-
 /// Reads the events of one track and counts them into the summary.
 class CTrackParser {
  public:
@@ -236,7 +232,7 @@ class CTrackParser {
     const std::uint32_t kept = std::min(length, CMIDISummary::kLongestTrackName);
     std::string name;
     for (std::uint32_t i = 0; i < kept; ++i) name.push_back(static_cast<char>(fBytes.Next()));
-    if (!name.empty()) fSummary.fTrackNames.push_back(DecodeName(name));
+    if (!name.empty()) fSummary.fTrackNames.push_back(TextFromEmbeddedName(name));
     return kept;
   }
 
