@@ -27,6 +27,7 @@ std::size_t CTemporaryStream::Read(std::uint64_t position,
     const std::uint64_t stored = std::min<std::uint64_t>(destination.size(), fStored - position);
     done = static_cast<std::size_t>(stored);
     ReadExactly(CStream(fStore, *fStream), position, destination.first(done));
+    if (done == destination.size()) return done;
     position += done;
   }
   const auto start = static_cast<std::size_t>(position - fStored);
@@ -49,6 +50,7 @@ void CTemporaryStream::Write(std::uint64_t position, std::span<const std::uint8_
     fStore->WriteStream(*fStream, position, source.first(stored));
     position += stored;
     source = source.subspan(stored);
+    if (source.empty()) return;
   }
   const auto start = static_cast<std::size_t>(position - fStored);
   const auto inTail = std::min(source.size(), fTail.size() - start);

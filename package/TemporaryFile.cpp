@@ -1,0 +1,107 @@
+#include "package/TemporaryFile.h"
+
+#include <algorithm>
+#include <atomic>
+#include <string>
+#include <utility>
+
+#include "Parts/TolbrookPackage/Core/Exception.h"
+
+namespace NSBigFilePackage {
+
+using NSTolbrook::CFile;
+using NSTolbrook::NativePath;
+
+namespace {
+
+constexpr std::u16string_view kPrefix = u".tambra-";
+constexpr std::u16string_view kSuffix = u".tmp";
+
+NativePath NextName() {
+  static std::atomic<std::uint64_t> counter = 0;
+  return ".tambra-" + std::to_string(NSTolbrook::ProcessNumber()) + "-" +
+         std::to_string(++counter) + ".tmp";
+}
+
+bool IsNumber(std::u16string_view text) {
+  return !text.empty() &&
+         std::ranges::all_of(text, [](char16_t c) { return c >= u'0' && c <= u'9'; });
+}
+
+/// Nothing that a user would name a file is taken for one of ours.
+bool IsTemporaryName(const NativePath& name) {
+  const auto text = NSTolbrook::TextFromNative(name);
+  if (!text || !text->starts_with(kPrefix) || !text->ends_with(kSuffix)) return false;
+  if (text->size() < kPrefix.size() + kSuffix.size()) return false;
+  const auto numbers = std::u16string_view(*text).substr(
+      kPrefix.size(), text->size() - kPrefix.size() - kSuffix.size());
+  const std::size_t dash = numbers.find(u'-');
+  return dash != numbers.npos && IsNumber(numbers.substr(0, dash)) &&
+         IsNumber(numbers.substr(dash + 1));
+}
+
+/// Locks the file and makes sure that its name still stands for it: between its opening and the
+/// lock another process may have removed it.
+bool Hold(CFile& file) {
+  return file.TryLock() && NSTolbrook::FileStatus(file.Path(), false).fIdentity == file.Identity();
+}
+
+void RemoveIfLeftOver(const NativePath& path) {
+  try {
+    CFile file = CFile::OpenForUpdate(path);
+    if (!Hold(file)) return;
+    NSTolbrook::RemoveFile(path);
+  } catch (const NSMordel::XNotFound&) {
+    return;  // somebody else was quicker
+  } catch (const NSMordel::XPermission&) {
+    return;  // another user's
+  } catch (const NSMordel::XLocked&) {
+    return;  // in use
+  }
+}
+
+}  // namespace
+
+CTemporaryFile::CTemporaryFile(const NativePath& folder) {
+  while (!fMedia) {
+    fPath = folder / NextName();
+    try {
+      CFile file = CFile::Create(fPath, CFile::ECreate::kNew);
+      if (!Hold(file)) continue;  // taken for a leftover before it was locked
+      fMedia = std::make_shared<CStdioMedia>(std::move(file), CStdioMedia::EAccess::kReadWrite);
+    } catch (const NSMordel::XAlreadyExists&) {
+      continue;  // left by an earlier process of the same number
+    }
+  }
+}
+
+CTemporaryFile::~CTemporaryFile() {
+  if (fCommitted) return;
+  try {
+    fMedia->Close();
+    NSTolbrook::RemoveFile(fPath);
+  } catch (const std::exception&) {
+    return;  // the run's outcome does not depend on it, and the next run tries again
+  }
+}
+
+void CTemporaryFile::CommitAs(const NativePath& path) {
+  fMedia->Flush();
+  // The lock lasts until the file has its own name: without it another run might take the whole
+  // file for a leftover.
+  NSTolbrook::RenameReplacing(fPath, path);
+  fCommitted = true;
+  const NativePath folder = path.parent_path();
+  NSTolbrook::FlushFolder(folder.empty() ? NativePath(".") : folder);
+  fMedia->Close();
+}
+
+void CTemporaryFile::RemoveLeftovers(const NativePath& folder) {
+  for (const NSTolbrook::CFolderItem& item : NSTolbrook::ListFolder(folder)) {
+    if (item.fKind == NSTolbrook::EFileKind::kFile && IsTemporaryName(item.fName)) {
+      RemoveIfLeftOver(folder / item.fName);
+    }
+  }
+}
+
+}  // namespace NSBigFilePackage
