@@ -13,8 +13,11 @@
 #include "app/PackageInformation.h"
 #include "app/PackingLog.h"
 #include "filetypes/FileTypeInterfaces.h"
+#include "package/BlockStore.h"
 #include "package/EntryTree.h"
 #include "package/PackageEntry.h"
+#include "package/PackageHeader.h"
+#include "package/TemporaryFile.h"
 
 namespace NSTambraPacking {
 
@@ -78,9 +81,19 @@ struct CPackJobState {
   std::vector<CScannedShortcut> fShortcuts;
   CEntryTree fTree;
 
+  /// Holds the packed entries while the run lasts.
+  std::optional<NSBigFilePackage::CTemporaryFile> fWorkingFile;
+  std::shared_ptr<NSBigFilePackage::CBlockStore> fStore;
+  /// What goes into the package, information files among it for their texts.
+  std::vector<std::shared_ptr<CPackageEntry>> fPackageEntries;
+  /// The header as the composer wrote it.
+  CPackageHeader fHeader;
+
   /// What the log tells; its three problem lists make the run count as failed.
   CPackLists fLists;
   std::optional<NSTolbrook::CFileItem> fLogFile;
+  /// The file that a phase was working on when a failure left it; empty when it was none.
+  std::u16string fCurrentFile;
 };
 
 }  // namespace NSTambraPacking

@@ -9,6 +9,7 @@
 
 #include "Parts/TolbrookPackage/Core/FileItem.h"
 #include "Parts/TolbrookPackage/Core/Media.h"
+
 #include "references/ReferenceInterfaces.h"
 
 namespace NSTambraPacking {
@@ -26,6 +27,8 @@ enum class ERemark {
 struct CResolvedReference {
   /// As it stands in the packing log.
   std::u16string fPrinted;
+  /// The package that the reference says it leads into; empty when it says none.
+  std::u16string fTambraName;
   CResolution fResolution;
   /// The reference itself when its file was not found, to tell why; else null.
   std::shared_ptr<const CSampleReference> fNotFound;

@@ -38,6 +38,9 @@ CFileTypeRegistry::CFileTypeRegistry() {
     fPackers.emplace(descriptor, row.fHandlers.fPacker.get());
     fPackedEntryVerifiers.emplace(row.fHandlers.fPacker->EntryTypeCode(),
                                   row.fHandlers.fPackedEntryVerifier.get());
+    if (row.fHandlers.fHasReferences) {
+      fWithReferences.insert(row.fHandlers.fPacker->EntryTypeCode());
+    }
   }
 }
 

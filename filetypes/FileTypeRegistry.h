@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <map>
+#include <set>
 
 #include "filetypes/FileTypeDescriptor.h"
 #include "filetypes/FileTypeInterfaces.h"
@@ -22,6 +23,9 @@ class CFileTypeRegistry {
   /// nullptr when no type has this code.
   const IFileTypeVerifier* FindPackedEntryVerifier(std::int32_t typeCode) const;
 
+  /// True for the type codes of patches and songs.
+  bool HasReferences(std::int32_t typeCode) const { return fWithReferences.contains(typeCode); }
+
   /// Verifies a file of the input folder. Throws XUnsupportedFormat "No verifier found for format"
   /// when it is of no type, XOpen when it cannot be opened, and whatever the verifier throws.
   void VerifyFile(const NSTolbrook::CFileItem& file, CVerifyContext& context) const;
@@ -36,6 +40,7 @@ class CFileTypeRegistry {
   std::map<CFileTypeDescriptor, const IFileTypeVerifier*> fVerifiers;
   std::map<CFileTypeDescriptor, const IFileTypePacker*> fPackers;
   std::map<std::int32_t, const IFileTypeVerifier*> fPackedEntryVerifiers;
+  std::set<std::int32_t> fWithReferences;
 };
 
 }  // namespace NSTambraPacking

@@ -1,5 +1,6 @@
 #include "package/PackageVerifier.h"
 
+#include <algorithm>
 #include <exception>
 #include <mutex>
 #include <new>
@@ -7,13 +8,12 @@
 #include <utility>
 
 #include "Parts/TolbrookPackage/Core/Exception.h"
+#include "Parts/TolbrookPackage/Core/OrderedWork.h"
 
 #include "package/PackageIndex.h"
 #include "package/PackageReader.h"
 
 namespace NSTambraPacking {
-
-namespace {
 
 using NSBigFilePackage::IMedia;
 using NSBigFilePackage::SharedMedia;
@@ -53,6 +53,8 @@ class CReadWatch : public IMedia {
   mutable std::exception_ptr fFailure;
 };
 
+namespace {
+
 /// What became of one entry; nothing in it refers to another entry or to the order of the work.
 struct COutcome {
   std::optional<std::string> fFailure;
@@ -87,6 +89,14 @@ void AddOutcome(CVerificationResult& result, const std::shared_ptr<CPackageEntry
   }
 }
 
+std::span<const std::shared_ptr<CPackageEntry>> UpToFirstToResolve(
+    std::span<const std::shared_ptr<CPackageEntry>> entries) {
+  const auto first = std::find_if(entries.begin(), entries.end(), [](const auto& entry) {
+    return entry->Flag() != kEntryTakenAsItIs;
+  });
+  return entries.first(static_cast<std::size_t>(first - entries.begin()));
+}
+
 }  // namespace
 
 void CompareHeaders(const CPackageHeader& found, const CPackageHeader& expected) {
@@ -103,7 +113,7 @@ void CompareHeaders(const CPackageHeader& found, const CPackageHeader& expected)
   require(found.fVersion == expected.fVersion, "header version mismatch");
 }
 
-CPackageVerifier::CPackageVerifier(const IEntryVerifier& entryVerifier, CTambraPacker* job,
+CPackageVerifier::CPackageVerifier(IEntryVerifier& entryVerifier, CTambraPacker* job,
                                    ITambraPackingProgress* progress)
     : fEntryVerifier(entryVerifier), fReport(job, progress, kFinalVerifyPhase) {}
 
@@ -115,19 +125,36 @@ CVerificationResult CPackageVerifier::Verify(SharedMedia package,
   if (options.fExpectedHeader != nullptr) {
     CompareHeaders(reader.Header(), *options.fExpectedHeader);
   }
-  const auto entries = reader.ReadEntries();
+  const CEntries entries = reader.ReadEntries();
+  fEntryVerifier.TakeEntries(entries);
   CVerificationResult result;
   result.fHeader = reader.Header();
   fReport.Begin(entries.size());
-  for (std::size_t i = 0; i < entries.size(); ++i) {
-    fReport.CheckStop();
-    const CPackageEntry& entry = *entries[i];
-    fReport.Item(i, entry);
-    if (options.fEndAtFirstToResolve && entry.Flag() != kEntryTakenAsItIs) break;
-    AddOutcome(result, entries[i], VerifyEntry(fEntryVerifier, entry, *watch));
-  }
+  const std::span<const CEntries::value_type> taken =
+      options.fEndAtFirstToResolve ? UpToFirstToResolve(entries) : std::span(entries);
+  VerifyEntries(taken, *watch, options.fJobs, result);
+  if (taken.size() < entries.size()) fReport.Item(taken.size(), *entries[taken.size()]);
   fReport.End();
   return result;
+}
+
+void CPackageVerifier::VerifyEntries(std::span<const CEntries::value_type> entries,
+                                     const CReadWatch& watch, unsigned jobs,
+                                     CVerificationResult& result) const {
+  std::vector<COutcome> outcomes(entries.size());
+  NSTolbrook::RunOrdered(
+      {.fCount = entries.size(),
+       .fJobs = jobs,
+       .fBegin =
+           [&](std::size_t i) {
+             fReport.CheckStop();
+             fReport.Item(i, *entries[i]);
+           },
+       .fWork =
+           [&](std::size_t i) { outcomes[i] = VerifyEntry(fEntryVerifier, *entries[i], watch); },
+       .fFinish = [&](std::size_t i) { AddOutcome(result, entries[i], std::move(outcomes[i])); },
+       .fStopRequested = [&] { return fReport.StopRequested(); },
+       .fCancel = [&] { fEntryVerifier.Cancel(); }});
 }
 
 }  // namespace NSTambraPacking

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -19,11 +20,16 @@ inline constexpr int kFinalVerifyPhase = 8;
 class IEntryVerifier {
  public:
   virtual ~IEntryVerifier() = default;
+  /// Called once, with all entries of the package, before the first is verified. Throws what is
+  /// wrong with them as a whole, which ends the verification.
+  virtual void TakeEntries(const std::vector<std::shared_ptr<CPackageEntry>>& entries) = 0;
   /// Returns the printed forms of the references that lead to no entry of the package; only asked
   /// for when `resolveReferences` is true. Throws what is wrong with the entry, an empty message
   /// included, and XAbort or XSilentAbort to end the verification. Safe from several threads.
   virtual std::vector<std::u16string> Verify(const CPackageEntry& entry,
                                              bool resolveReferences) const = 0;
+  /// Called when the verification ends early: calls of Verify that are still busy end soon.
+  virtual void Cancel() = 0;
 };
 
 /// An entry that failed its verifier, and why (the failure's message, which may be empty).
@@ -53,6 +59,8 @@ struct CVerificationOptions {
   /// Ends the verification, without fault, at the first entry whose references would have to be
   /// resolved.
   bool fEndAtFirstToResolve = false;
+  /// Threads that verify entries.
+  unsigned fJobs = 1;
 };
 
 /// Compares a header read back with the expected one: comment, copyright, datastart, filecount,
@@ -60,11 +68,13 @@ struct CVerificationOptions {
 /// comment mismatch" and so on.
 void CompareHeaders(const CPackageHeader& found, const CPackageHeader& expected);
 
+class CReadWatch;
+
 /// Reads a finished package back and verifies each of its entries.
 class CPackageVerifier {
  public:
   /// All must outlive the verifier; `job` and `progress` may be null (see CPhaseReport).
-  CPackageVerifier(const IEntryVerifier& entryVerifier, CTambraPacker* job,
+  CPackageVerifier(IEntryVerifier& entryVerifier, CTambraPacker* job,
                    ITambraPackingProgress* progress);
 
   /// Checks header, index and entries, in this order. An entry that fails is noted in the result
@@ -78,7 +88,12 @@ class CPackageVerifier {
                              const CVerificationOptions& options) const;
 
  private:
-  const IEntryVerifier& fEntryVerifier;
+  using CEntries = std::vector<std::shared_ptr<CPackageEntry>>;
+
+  void VerifyEntries(std::span<const CEntries::value_type> entries, const CReadWatch& watch,
+                     unsigned jobs, CVerificationResult& result) const;
+
+  IEntryVerifier& fEntryVerifier;
   CPhaseReport fReport;
 };
 

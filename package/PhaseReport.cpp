@@ -14,8 +14,12 @@ CPhaseReport::CPhaseReport(CTambraPacker* job, ITambraPackingProgress* progress,
                            "a phase is reported without its job");
 }
 
+bool CPhaseReport::StopRequested() const {
+  return fProgress != nullptr && fProgress->StopRequested();
+}
+
 void CPhaseReport::CheckStop() const {
-  if (fProgress == nullptr || !fProgress->StopRequested()) return;
+  if (!StopRequested()) return;
   fProgress->ClearStopRequest();
   throw NSMordel::XSilentAbort("User aborted");
 }

@@ -18,6 +18,8 @@ class CPhaseReport {
 
   /// Clears the user's stop request, when there is one, and throws XSilentAbort "User aborted".
   void CheckStop() const;
+  /// True while the request stands; it is not cleared.
+  bool StopRequested() const;
 
   void Begin(std::uint64_t count) const;
   /// `index` counts from 0.

@@ -1,0 +1,54 @@
+#include <algorithm>
+
+#include "app/PackPhases.h"
+#include "app/SpecialNames.h"
+#include "codecs/JpegReader.h"
+#include "package/PackageComposer.h"
+#include "package/PackageFormat.h"
+
+namespace NSTambraPacking {
+
+void ListPackageEntries(const CPhaseContext& context) {
+  CPackJobState& state = context.fState;
+  const CPhaseReport report = context.Report(5);
+  report.CheckStop();
+  report.Begin(state.fEntries.size());
+  for (std::size_t index = 0; index < state.fEntries.size(); ++index) {
+    const CJobEntry& entry = state.fEntries[index];
+    report.Item(index, *entry.fEntry);
+    if (entry.fFile.fIsInformation || entry.TakesPart()) {
+      state.fPackageEntries.push_back(entry.fEntry);
+    }
+  }
+  report.End();
+}
+
+void PlacePackageEntries(const CPhaseContext& context) {
+  CPackJobState& state = context.fState;
+  const CPhaseReport report = context.Report(6);
+  report.CheckStop();
+  report.Begin(state.fPackageEntries.size());
+  std::uint64_t end = 0;
+  for (std::size_t index = 0; index < state.fPackageEntries.size(); ++index) {
+    const CPackageEntry& entry = *state.fPackageEntries[index];
+    report.Item(index, entry);
+    if (CSpecialNames().KindOf(entry.Path()) == ESpecialFile::kInformation) continue;
+    end += entry.Data()->Size();
+    FitPackageLimit(end, "the package's data");
+  }
+  report.End();
+}
+
+void ComposePackage(const CPhaseContext& context) {
+  CPackJobState& state = context.fState;
+  NSBigFilePackage::CTemporaryFile file(state.fSettings.fOutputFolder.Path());
+  CSpecialNames names;
+  const CJpegReader pictures;
+  CPackageComposer composer(names, pictures, context.fJob, context.fProgress);
+  state.fHeader = composer.Compose(state.fPackageEntries, *file.Media());
+  context.Report(7).CheckStop();
+  file.CommitAs(state.fOutputFile.Path());
+  state.fInformation.fFileCount = state.fHeader.fFileCount;
+}
+
+}  // namespace NSTambraPacking

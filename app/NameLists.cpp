@@ -1,0 +1,26 @@
+#include "app/NameLists.h"
+
+#include <algorithm>
+
+namespace NSTambraPacking {
+
+std::vector<std::u16string> DistinctNames(const std::vector<std::u16string>& names) {
+  std::vector<std::u16string> distinct;
+  for (const std::u16string& name : names) {
+    if (std::find(distinct.begin(), distinct.end(), name) == distinct.end()) {
+      distinct.push_back(name);
+    }
+  }
+  return distinct;
+}
+
+std::u16string JoinNames(const CTextResources& texts, const std::vector<std::u16string>& names) {
+  std::u16string joined;
+  for (const std::u16string& name : names) {
+    if (!joined.empty()) joined += texts.Text(kListSeparator);
+    joined += name;
+  }
+  return joined;
+}
+
+}  // namespace NSTambraPacking

@@ -1,0 +1,104 @@
+#include "Parts/TolbrookPackage/Core/Exception.h"
+
+#include "app/PackPhases.h"
+#include "app/SpecialNames.h"
+#include "app/VersionText.h"
+#include "codecs/JpegReader.h"
+#include "filetypes/FileTypeRegistry.h"
+#include "package/MemoryMedia.h"
+#include "package/PackageIndex.h"
+#include "package/SplashCheck.h"
+
+namespace NSTambraPacking {
+
+namespace {
+
+CJobEntry MakeEntry(CScannedFile file) {
+  const CFileTypeRegistry& registry = CFileTypeRegistry::Instance();
+  CJobEntry entry;
+  entry.fPacker = file.fIsInformation ? nullptr : registry.FindPacker(file.fItem);
+  const std::int32_t typeCode = entry.fPacker == nullptr ? 0 : entry.fPacker->EntryTypeCode();
+  const std::uint8_t flag = registry.HasReferences(typeCode) ? std::uint8_t{0} : kEntryTakenAsItIs;
+  entry.fEntry = MakePackageEntry(file.fPath, typeCode, flag, nullptr);
+  if (file.fSkipped) entry.fLeftOut = ELeftOut::kSkipItem;
+  entry.fFile = std::move(file);
+  return entry;
+}
+
+/// The information file as it was first read, for the composer to take its text from.
+NSBigFilePackage::SharedMedia FirstReading(const CPackJobState& state, const std::u16string& path) {
+  for (const CInformationFile& file : state.fInformationFiles) {
+    if (file.fName != path) continue;
+    return std::make_shared<NSBigFilePackage::CMemoryMedia>(
+        std::vector<std::uint8_t>(file.fBytes.begin(), file.fBytes.end()));
+  }
+  return nullptr;
+}
+
+bool IsUsableSplash(const CJobEntry& entry) {
+  return entry.TakesPart() && entry.fFile.fFault.empty() && IsSplash(entry.fFile.fPath);
+}
+
+}  // namespace
+
+void ScanInputFolder(const CPhaseContext& context) {
+  CPackJobState& state = context.fState;
+  const CPhaseReport report = context.Report(0);
+  report.CheckStop();
+  report.Begin(0);
+  CScannedFolder scanned = ScanFolder(
+      state.fSettings.fInputFolder.Path(),
+      {[&state](const std::u16string& path) { return state.fOptions.fSkipItems.Hold(path); },
+       [&report](std::size_t) { report.CheckStop(); }});
+  state.fShortcuts = std::move(scanned.fShortcuts);
+  for (CScannedFile& file : scanned.fFiles) {
+    state.fEntries.push_back(MakeEntry(std::move(file)));
+    report.Item(state.fEntries.size() - 1, *state.fEntries.back().fEntry);
+  }
+  report.End();
+}
+
+void TakePackageInformation(const CPhaseContext& context) {
+  CPackJobState& state = context.fState;
+  const CPhaseReport report = context.Report(1);
+  report.CheckStop();
+  report.Begin(state.fEntries.size());
+  bool splashFound = false;
+  for (std::size_t index = 0; index < state.fEntries.size(); ++index) {
+    const CJobEntry& entry = state.fEntries[index];
+    report.Item(index, *entry.fEntry);
+    if (entry.fFile.fIsInformation) {
+      entry.fEntry->SetData(FirstReading(state, entry.fFile.fPath));
+    } else if (!splashFound && IsUsableSplash(entry)) {
+      CheckSplashSize(entry.fFile.fPath, entry.fEntry->TypeCode(), OpenSource(entry.fFile.fItem),
+                      CJpegReader());
+      splashFound = true;
+    }
+  }
+  if (state.fInformation.fName.empty()) {
+    throw NSMordel::XNotFound("tambra name not found", {{kTambraNameKey, ""}});
+  }
+  if (!splashFound) throw NSMordel::XNotFound("splash file not found", {{kSplashKey, ""}});
+  ParseVersionText(state.fInformation.fVersion);
+  report.End();
+}
+
+void BuildFolderStructure(const CPhaseContext& context) {
+  CPackJobState& state = context.fState;
+  const CPhaseReport report = context.Report(2);
+  report.CheckStop();
+  report.Begin(state.fEntries.size());
+  for (std::size_t index = 0; index < state.fEntries.size(); ++index) {
+    const CJobEntry& entry = state.fEntries[index];
+    report.Item(index, *entry.fEntry);
+    if (entry.fFile.fIsInformation || !entry.fFile.fFault.empty()) continue;
+    state.fTree.AddFile(entry.fFile.fPath, entry.fEntry->IsContainer());
+    state.fEntryOfPath.emplace(entry.fFile.fPath, index);
+  }
+  for (const CScannedShortcut& shortcut : state.fShortcuts) {
+    state.fTree.AddShortcut(shortcut.fPath, shortcut.fTarget);
+  }
+  report.End();
+}
+
+}  // namespace NSTambraPacking

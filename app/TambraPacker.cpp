@@ -1,0 +1,181 @@
+#include "app/TambraPacker.h"
+
+#include <array>
+#include <span>
+#include <utility>
+
+#include "Parts/TolbrookPackage/Core/Exception.h"
+#include "Parts/TolbrookPackage/Core/Text.h"
+
+#include "app/InputFolder.h"
+#include "app/JobAlerts.h"
+#include "app/NameLists.h"
+#include "app/PackPhases.h"
+#include "app/PackingLog.h"
+
+namespace NSTambraPacking {
+
+struct CTambraPacker::CPhase {
+  void (*fRun)(const CPhaseContext& context);
+  ESituation fSituation;
+};
+
+namespace {
+
+/// The file that a failure names, as far as it names one.
+std::u16string FailingFile(const std::exception_ptr& failure) {
+  try {
+    std::rethrow_exception(failure);
+  } catch (const NSMordel::CExceptionBodyMixin& e) {
+    const std::string* const type = e.FindContext(NSMordel::kTargetObjectType);
+    const std::string* const id = e.FindContext(NSMordel::kTargetObjectId);
+    const bool isFile = id != nullptr && type != nullptr && *type == "file";
+    return isFile ? NSTolbrook::TextFromUtf8(*id) : std::u16string();
+  } catch (...) {
+    return {};
+  }
+}
+
+}  // namespace
+
+CTambraPacker::CTambraPacker(const CTextResources& texts, IAlertPresenter& presenter,
+                             const NSTolbrook::IClock& clock)
+    : fTexts(texts), fPresenter(presenter), fClock(clock) {}
+
+CTambraPacker::~CTambraPacker() = default;
+
+EPackEnding CTambraPacker::Run(const CPackSettings& settings, CPackageInformation& information,
+                               CTambraPackProgress& progress) {
+  static constexpr std::array kPhases = {
+      CPhase{ScanInputFolder, ESituation::kScanning},
+      CPhase{TakePackageInformation, ESituation::kScanning},
+      CPhase{BuildFolderStructure, ESituation::kScanning},
+      CPhase{VerifyEntries, ESituation::kVerifying},
+      CPhase{PackEntries, ESituation::kPacking},
+      CPhase{ListPackageEntries, ESituation::kComposing},
+      CPhase{PlacePackageEntries, ESituation::kComposing},
+      CPhase{ComposePackage, ESituation::kComposing},
+      CPhase{VerifyPackage, ESituation::kFinalVerification},
+  };
+  Prepare(settings);
+  PrepareOutput();
+  try {
+    RunPhases(kPhases, progress);
+  } catch (const NSMordel::XAbort&) {
+    CloseAborted();
+    throw NSMordel::XSilentAbort();
+  }
+  information = fState->fInformation;
+  return Close();
+}
+
+void CTambraPacker::Check(const CPackSettings& settings, CPackageInformation& information,
+                          CTambraPackProgress& progress) {
+  static constexpr std::array kPhases = {
+      CPhase{ScanInputFolder, ESituation::kScanning},
+      CPhase{TakePackageInformation, ESituation::kScanning},
+      CPhase{BuildFolderStructure, ESituation::kScanning},
+      CPhase{VerifyEntries, ESituation::kVerifying},
+  };
+  Prepare(settings);
+  fState->fInformation.OutputFileName();  // throws for a name that no file can have
+  RunPhases(kPhases, progress);
+  information = fState->fInformation;
+}
+
+void CTambraPacker::Prepare(const CPackSettings& settings) {
+  fSituation = ESituation::kGeneral;
+  fState = std::make_unique<CPackJobState>();
+  fState->fSettings = settings;
+  fState->fInformationFiles = ReadInformationFiles(settings.fInputFolder.Path());
+  CPackageTexts texts = ReadPackageTexts(fState->fInformationFiles);
+  fState->fInformation = std::move(texts.fInformation);
+  fState->fOptions = std::move(texts.fOptions);
+}
+
+void CTambraPacker::PrepareOutput() {
+  const NSTolbrook::NativePath folder = fState->fSettings.fOutputFolder.Path();
+  const std::u16string name = fState->fInformation.OutputFileName();
+  CheckOutputFolder(fState->fSettings.fInputFolder.Path(), folder);
+  fState->fOutputFile = fState->fSettings.fOutputFolder.Child(name);
+  const NSTolbrook::NativePath& file = fState->fOutputFile.Path();
+  if (NSTolbrook::FileStatus(file, false).fKind != NSTolbrook::EFileKind::kMissing) {
+    if (!Ask(kAlertReplace, {name})) throw NSMordel::XSilentAbort();
+    NSTolbrook::RemoveFile(file);
+  }
+  NSTolbrook::MakeFolders(folder);
+  NSBigFilePackage::CTemporaryFile::RemoveLeftovers(folder);
+}
+
+void CTambraPacker::RunPhases(std::span<const CPhase> phases, CTambraPackProgress& progress) {
+  progress.Attach(*this);
+  const CJobAlerts alerts(fTexts, fPresenter, &progress);
+  const CPhaseContext context{*fState, this, &progress, alerts};
+  for (const CPhase& phase : phases) {
+    fSituation = phase.fSituation;
+    phase.fRun(context);
+  }
+  fSituation = ESituation::kGeneral;
+  fState->fStore.reset();
+  fState->fWorkingFile.reset();
+}
+
+void CTambraPacker::CheckEntries() {
+  const CPackLists& lists = fState->fLists;
+  if (!lists.fFailed.empty()) throw NSMordel::XAbort("tambra has failed entries");
+  if (!lists.fUnresolved.empty()) throw NSMordel::XAbort("tambra has unresolved entries");
+}
+
+void CTambraPacker::CheckExternalReferences(bool warn) {
+  if (!warn) return;
+  for (const CPackLists::CEntryNames& file : fState->fLists.fExternal) {
+    const std::vector<std::u16string> packages = DistinctNames(file.fNames);
+    const CAlertNumber number = packages.size() == 1 ? kAlertRefersToTambra : kAlertRefersToTambras;
+    if (!Ask(number, {file.fEntry, JoinNames(fTexts, packages)})) throw NSMordel::XAbort();
+  }
+}
+
+EPackEnding CTambraPacker::Close() {
+  WriteLog(kLogComplete);
+  const CPackLists& lists = fState->fLists;
+  const std::u16string count =
+      NSTolbrook::TextFromUtf8(std::to_string(fState->fInformation.fFileCount));
+  if (lists.HasProblems()) {
+    ShowAlert(fTexts, fPresenter, {kAlertProblems, {}});
+    return EPackEnding::kProblems;
+  }
+  if (lists.HasNotes()) {
+    ShowAlert(fTexts, fPresenter, {kAlertPackedWithNotes, {count}});
+    return EPackEnding::kPackedWithNotes;
+  }
+  ShowAlert(fTexts, fPresenter, {kAlertPacked, {count}});
+  return EPackEnding::kPacked;
+}
+
+void CTambraPacker::CloseAborted() {
+  if (!fState->fLists.HasProblems() && !fState->fLists.HasNotes()) return;
+  WriteLog(kLogAborted);
+  ShowAlert(fTexts, fPresenter, {kAlertProblems, {}});
+}
+
+void CTambraPacker::WriteLog(CStringNumber closingLine) {
+  const CPackingLog log(fTexts, fClock);
+  fState->fLogFile.emplace(log.Write(fState->fSettings.fOutputFolder.Path(),
+                                     fState->fInformation.fName, fState->fLists, closingLine));
+}
+
+bool CTambraPacker::Ask(CAlertNumber number, const std::vector<std::u16string>& arguments) const {
+  return ShowAlert(fTexts, fPresenter, {number, arguments}) == kLastButton;
+}
+
+void CTambraPacker::ShowFailure(const std::exception_ptr& failure) const {
+  std::u16string file = fState == nullptr ? std::u16string() : fState->fCurrentFile;
+  if (fSituation == ESituation::kFinalVerification) file = fState->fOutputFile.Name();
+  if (file.empty()) file = FailingFile(failure);
+  if (file.empty() && fSituation == ESituation::kComposing) file = fState->fOutputFile.Name();
+  if (const auto choice = ChooseAlert(failure, fSituation, file)) {
+    ShowAlert(fTexts, fPresenter, *choice);
+  }
+}
+
+}  // namespace NSTambraPacking
