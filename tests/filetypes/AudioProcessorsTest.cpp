@@ -56,7 +56,7 @@ TEST(AudioProcessors, AcceptOneAndTwoChannels) {
   EXPECT_EQ(Verdict(*WAVEFileType().fVerifier, compressed), "unsupported");
 }
 
-/// The AIFF frame count of no bytes a frame is the one way to more frames than fit.
+/// No chunk with a 32-bit size holds so many, so the format is made up.
 TEST(AudioProcessors, RefuseMoreFramesThanAStreamCounts) {
   CAudioFormat format;
   format.fChannels = 1;
