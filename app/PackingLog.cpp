@@ -46,9 +46,7 @@ class CLogText {
     AddTitle(title);
     for (const auto& [entry, references] : items) {
       AddLine(kItemIndent, entry);
-      for (const auto& [name, path] : references) {
-        AddLine(kDetailIndent, fTexts.Text(kLogReference, {name, path}));
-      }
+      for (const std::u16string& reference : references) AddLine(kDetailIndent, reference);
     }
   }
 

@@ -13,13 +13,9 @@ namespace NSTambraPacking {
 
 /// What a run has to tell; entries are named by their paths, in entry order.
 struct CPackLists {
-  struct CReference {
-    std::u16string fName;
-    std::u16string fPath;
-  };
   struct CEntryReferences {
     std::u16string fEntry;
-    std::vector<CReference> fReferences;
+    std::vector<std::u16string> fReferences;  ///< printed: "name => path"
   };
   struct CEntryNames {
     std::u16string fEntry;

@@ -2,8 +2,8 @@
 
 #include <array>
 #include <cmath>
-#include <numeric>
 #include <fmt/format.h>
+#include <numeric>
 
 #include "Parts/TolbrookPackage/Core/Text.h"
 
