@@ -53,12 +53,12 @@ TEST_F(BlockStoreTest, BlocksOfTwoStatesAreKeptAndOlderOnesUsedAgain) {
   std::uint64_t blocks = 0;
   for (std::uint32_t i = 0; i < 50; ++i) {
     stream->Write(0, RandomBytes(200, i));
-    fStore->Commit();
-    // Without its newest slot the file still holds the state before.
+    // Until the commit the file holds the two states before, each whole.
     Bytes damaged = fMedia->Bytes();
-    damaged[i % 2 == 0 ? 16 : 34] ^= 1;
+    damaged[i % 2 == 0 ? 34 : 16] ^= 1;  // the newest slot
     const auto older = CBlockStore::Open(std::make_shared<CMemoryMedia>(damaged));
-    EXPECT_EQ(ReadStreams(*older), i == 0 ? Contents{} : Contents({{1, RandomBytes(200, i - 1)}}));
+    EXPECT_EQ(ReadStreams(*older), i < 2 ? Contents{} : Contents({{1, RandomBytes(200, i - 2)}}));
+    fStore->Commit();
     if (i == 3) blocks = BlockCount();
   }
   EXPECT_EQ(BlockCount(), blocks);
@@ -169,6 +169,9 @@ TEST(BlockStoreFailureTest, AFailureAtAnyOperationLeavesOneOfTwoStates) {
       } else {
         EXPECT_EQ(now.at(1), changed) << operation;
       }
+      // What is written after a commit that failed half way is part of neither state.
+      store->OpenStream(1)->Write(100, RandomBytes(60, 4));
+      EXPECT_EQ(ReadStreams(*CBlockStore::Open(memory)), now) << operation;
       Change(*store);
       EXPECT_EQ(ReadStreams(*CBlockStore::Open(memory)).at(1), changed) << operation;
     }
