@@ -49,15 +49,34 @@ inline constexpr CStringNumber kLogSkipped{128, 79};
 inline constexpr CStringNumber kLogUnreferenced{128, 80};
 inline constexpr CStringNumber kLogComplete{128, 81};
 inline constexpr CStringNumber kLogAborted{128, 82};
-inline constexpr CStringNumber kLogReference{128, 83};
 inline constexpr CStringNumber kListSeparator{128, 84};
 
 // The program and remarks on accepted files
 inline constexpr CStringNumber kProgramName{128, 300};
 inline constexpr CStringNumber kProgramVersion{128, 301};
-inline constexpr CStringNumber kSamplesConverted{128, 310};
-inline constexpr CStringNumber kSourceNotRestorable{128, 311};
-inline constexpr CStringNumber kLoopStructureOnly{128, 312};
+inline constexpr CStringNumber kRemarkSamplesConverted{128, 310};
+inline constexpr CStringNumber kRemarkSourceNotRestorable{128, 311};
+inline constexpr CStringNumber kRemarkLoopStructureOnly{128, 312};
+
+// Command line
+inline constexpr CStringNumber kLogFile{128, 320};
+inline constexpr CStringNumber kTambraFile{128, 321};
+inline constexpr CStringNumber kCheckPassed{128, 322};
+inline constexpr CStringNumber kStopped{128, 323};
+inline constexpr CStringNumber kSampleType{128, 324};
+inline constexpr CStringNumber kTambraSound{128, 325};
+inline constexpr CStringNumber kTambraDamaged{128, 326};
+inline constexpr CStringNumber kDemoWritten{128, 327};
+inline constexpr CStringNumber kUnknownType{128, 328};
+inline constexpr CStringNumber kFailureDetail{128, 329};
+inline constexpr CStringNumber kInfoName{128, 330};
+inline constexpr CStringNumber kInfoVersion{128, 331};
+inline constexpr CStringNumber kInfoAddress{128, 332};
+inline constexpr CStringNumber kInfoCopyright{128, 333};
+inline constexpr CStringNumber kInfoComment{128, 334};
+inline constexpr CStringNumber kInfoFiles{128, 335};
+inline constexpr CStringNumber kInfoSize{128, 336};
+inline constexpr CStringNumber kListTotal{128, 337};
 
 // Standard menus
 inline constexpr CStringNumber kFileMenu{1000, 1};

@@ -67,6 +67,16 @@ std::string Printable(std::u16string_view text) {
   return NSTolbrook::Utf8FromText(shown);
 }
 
+std::vector<std::string> PrintableLines(std::u16string_view text) {
+  std::vector<std::string> lines;
+  while (true) {
+    const std::size_t end = text.find_first_of(u"\r\n");
+    lines.push_back(Printable(text.substr(0, end)));
+    if (end == std::u16string_view::npos) return lines;
+    text.remove_prefix(end + (text.substr(end, 2) == u"\r\n" ? 2 : 1));
+  }
+}
+
 std::size_t DisplayWidth(std::u16string_view text) {
   std::size_t width = 0;
   for (std::size_t index = 0; index < text.size();) {

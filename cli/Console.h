@@ -4,6 +4,7 @@
 #include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace NSTambraCli {
 
@@ -32,6 +33,9 @@ class CConsole {
 
 /// UTF-8 of `text` with every control character shown as U+FFFD, line ends included.
 std::string Printable(std::u16string_view text);
+
+/// The lines of `text` as Printable shows them, without their line ends; at least one.
+std::vector<std::string> PrintableLines(std::u16string_view text);
 
 /// Columns that `text` takes on a terminal: 2 for wide East Asian characters, 0 for combining ones.
 std::size_t DisplayWidth(std::u16string_view text);

@@ -56,15 +56,11 @@ std::optional<int> AnswerOfLabel(const CAlertText& alert, std::u16string_view la
 
 /// The message on one line or several, as its line breaks ask for.
 std::string MessageLines(const CAlertText& alert) {
-  std::string lines;
-  std::u16string_view rest = alert.fMessage;
-  while (true) {
-    const std::size_t end = rest.find_first_of(u"\r\n");
-    lines += Printable(rest.substr(0, end));
-    if (end == std::u16string_view::npos) return lines;
-    lines += '\n';
-    rest.remove_prefix(end + 1);
+  std::string message;
+  for (const std::string& line : PrintableLines(alert.fMessage)) {
+    message += message.empty() ? line : "\n" + line;
   }
+  return message;
 }
 
 }  // namespace
@@ -82,10 +78,11 @@ void AddAnswer(CPreparedAnswers& answers, std::string_view pair) {
 }
 
 CConsoleAlertPresenter::CConsoleAlertPresenter(const CConsole& console, CPreparedAnswers answers,
-                                               bool canAsk)
-    : fConsole(console), fAnswers(std::move(answers)), fCanAsk(canAsk) {}
+                                               bool canAsk, ICliProgressView* view)
+    : fConsole(console), fAnswers(std::move(answers)), fCanAsk(canAsk), fView(view) {}
 
 int CConsoleAlertPresenter::Show(CAlertNumber number, const CAlertText& alert) {
+  if (fView != nullptr) fView->Clear();
   if (!IsQuestion(number)) {
     Report(number, alert, std::nullopt);
     return NSTambraPacking::kLastButton;

@@ -8,6 +8,7 @@
 #include "app/AlertPresenter.h"
 #include "app/TextResources.h"
 #include "cli/Console.h"
+#include "cli/ProgressViews.h"
 
 namespace NSTambraCli {
 
@@ -25,7 +26,10 @@ void AddAnswer(CPreparedAnswers& answers, std::string_view pair);
 /// by the prepared answers, else by the careful button.
 class CConsoleAlertPresenter : public NSTambraPacking::IAlertPresenter {
  public:
-  CConsoleAlertPresenter(const CConsole& console, CPreparedAnswers answers, bool canAsk);
+  /// `view` steps aside before something is shown; it may be null. Questions are asked on a
+  /// terminal when `canAsk` is true. Both objects must outlive the presenter.
+  CConsoleAlertPresenter(const CConsole& console, CPreparedAnswers answers, bool canAsk,
+                         ICliProgressView* view = nullptr);
 
   int Show(NSTambraPacking::CAlertNumber number, const NSTambraPacking::CAlertText& alert) override;
 
@@ -39,6 +43,7 @@ class CConsoleAlertPresenter : public NSTambraPacking::IAlertPresenter {
   const CConsole& fConsole;
   CPreparedAnswers fAnswers;
   bool fCanAsk;
+  ICliProgressView* fView;
 };
 
 }  // namespace NSTambraCli

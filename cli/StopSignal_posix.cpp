@@ -2,6 +2,7 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include "app/TambraPackProgress.h"
 #include "cli/ExitStatus.h"
 #include "cli/StopSignal.h"
 
@@ -10,18 +11,21 @@ namespace NSTambraCli {
 namespace {
 
 std::atomic<bool> gRequested = false;
+std::atomic<NSTambraPacking::CTambraPackProgress*> gProgress = nullptr;
 static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler sets it");
 
 /// The first interrupt is noted, a second one ends the program.
 void Note(int) {
   if (gRequested.exchange(true)) _exit(kExitStopped);
+  if (auto* const progress = gProgress.load()) progress->RequestStop();
 }
 
 struct sigaction gInterrupt, gTerminate;
 
 }  // namespace
 
-CStopSignal::CStopSignal() {
+CStopSignal::CStopSignal(NSTambraPacking::CTambraPackProgress* progress) {
+  gProgress = progress;
   gRequested = false;
   struct sigaction action {};
   action.sa_handler = Note;
@@ -34,6 +38,7 @@ CStopSignal::CStopSignal() {
 CStopSignal::~CStopSignal() {
   sigaction(SIGINT, &gInterrupt, nullptr);
   sigaction(SIGTERM, &gTerminate, nullptr);
+  gProgress = nullptr;
 }
 
 bool CStopSignal::Requested() { return gRequested; }

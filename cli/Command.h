@@ -1,0 +1,36 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <optional>
+#include <string>
+
+#include "Parts/TolbrookPackage/Core/FileSystem.h"
+
+#include "cli/Console.h"
+
+namespace NSTambraCli {
+
+/// Options that every command has.
+struct CGlobalOptions {
+  bool fJson = false;
+  bool fQuiet = false;
+  std::string fTextFolder;
+  std::string fLoopLibrary;
+
+  CConsole Console() const { return CConsole(fJson, fQuiet); }
+};
+
+/// One command of the program.
+class ICommand {
+ public:
+  virtual ~ICommand() = default;
+  /// Adds the command with its options to the program's.
+  virtual CLI::App* Register(CLI::App& program) = 0;
+  /// Does the work; returns the exit status. Failures that are thrown are shown by the caller.
+  virtual int Run(const CGlobalOptions& options) = 0;
+};
+
+/// A path as the command line gives it (UTF-8).
+NSTolbrook::NativePath PathArgument(const std::string& argument);
+
+}  // namespace NSTambraCli

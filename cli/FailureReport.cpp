@@ -1,0 +1,50 @@
+#include "cli/FailureReport.h"
+
+#include <nlohmann/json.hpp>
+
+#include "Parts/TolbrookPackage/Core/Exception.h"
+#include "Parts/TolbrookPackage/Core/Text.h"
+
+namespace NSTambraCli {
+
+namespace {
+
+struct CDetail {
+  std::string fMessage;
+  NSMordel::CContext fContext;
+};
+
+CDetail DetailOf(const std::exception_ptr& failure) {
+  try {
+    std::rethrow_exception(failure);
+  } catch (const NSMordel::CExceptionBodyMixin& e) {
+    return {e.Message(), e.Context()};
+  } catch (const std::exception& e) {
+    return {e.what(), {}};
+  } catch (...) {
+    return {};
+  }
+}
+
+}  // namespace
+
+void ReportDetail(const CConsole& console, const NSTambraPacking::CTextResources& texts,
+                  const std::exception_ptr& failure) {
+  const CDetail detail = DetailOf(failure);
+  if (console.Json()) {
+    nlohmann::ordered_json event = {{"event", "failure"}, {"message", detail.fMessage}};
+    for (const auto& [key, value] : detail.fContext) event["context"][key] = value;
+    console.PrintJson(event);
+    return;
+  }
+  std::u16string object;
+  for (const auto& [key, value] : detail.fContext) {
+    if (key == NSMordel::kTargetObjectId) object = NSTolbrook::TextFromUtf8(value);
+  }
+  const std::u16string message = NSTolbrook::TextFromUtf8(detail.fMessage);
+  if (message.empty()) return;
+  console.Warn(Printable(
+      object.empty() ? message : texts.Text(NSTambraPacking::kFailureDetail, {object, message})));
+}
+
+}  // namespace NSTambraCli

@@ -1,0 +1,75 @@
+#include <nlohmann/json.hpp>
+
+#include "Parts/TolbrookPackage/Core/Text.h"
+
+#include "cli/ExitStatus.h"
+#include "cli/JobSession.h"
+#include "cli/PackageCommands.h"
+#include "package/PackageReader.h"
+#include "package/StdioMedia.h"
+
+namespace NSTambraCli {
+
+namespace {
+
+using NSTambraPacking::CPackageHeader;
+using NSTolbrook::Utf8FromText;
+
+void PrintJson(const CConsole& console, const CPackageHeader& header, std::uint64_t size) {
+  console.PrintJson({{"name", Utf8FromText(header.fTambraName)},
+                     {"version", header.fVersion.Text()},
+                     {"url", Utf8FromText(header.fURL)},
+                     {"copyright", Utf8FromText(header.fCopyright)},
+                     {"comment", Utf8FromText(header.fComment)},
+                     {"files", header.fFileCount},
+                     {"size", size},
+                     {"index_start", header.fIndexStart},
+                     {"data_start", header.fDataStart},
+                     {"splash", {{"offset", header.fSplashOffset}, {"size", header.fSplashSize}}}});
+}
+
+void PrintLines(const CConsole& console, const NSTambraPacking::CTextResources& texts,
+                const CPackageHeader& header, std::uint64_t size) {
+  using namespace NSTambraPacking;
+  const std::vector<std::pair<CStringNumber, std::u16string>> lines = {
+      {kInfoName, header.fTambraName},
+      {kInfoVersion, NSTolbrook::TextFromUtf8(header.fVersion.Text())},
+      {kInfoAddress, header.fURL},
+      {kInfoCopyright, header.fCopyright},
+      {kInfoFiles, NSTolbrook::TextFromUtf8(std::to_string(header.fFileCount))},
+      {kInfoSize, NSTolbrook::TextFromUtf8(std::to_string(size))},
+      {kInfoComment, header.fComment}};
+  std::size_t width = 0;
+  for (const auto& [label, value] : lines) {
+    width = std::max(width, DisplayWidth(texts.Text(label)));
+  }
+  for (const auto& [label, value] : lines) {
+    std::string margin = PadRight(Printable(texts.Text(label)), width) + "  ";
+    for (const std::string& line : PrintableLines(value)) {
+      console.Print(margin + line);
+      margin.assign(width + 2, ' ');
+    }
+  }
+}
+
+}  // namespace
+
+CLI::App* CInfoCommand::Register(CLI::App& program) {
+  CLI::App* const command = program.add_subcommand("info", "Show what a package says about itself");
+  command->add_option("FILE", fFile, "The package")->required();
+  return command;
+}
+
+int CInfoCommand::Run(const CGlobalOptions& options) {
+  const auto media = NSBigFilePackage::CStdioMedia::OpenForReading(PathArgument(fFile));
+  const CPackageHeader header = NSTambraPacking::CPackageReader(media).Header();
+  const CConsole console = options.Console();
+  if (console.Json()) {
+    PrintJson(console, header, media->Size());
+  } else {
+    PrintLines(console, LoadTexts(options), header, media->Size());
+  }
+  return kExitDone;
+}
+
+}  // namespace NSTambraCli

@@ -1,0 +1,109 @@
+#include "cli/PackCommand.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <thread>
+
+#include "Parts/TolbrookPackage/Core/Text.h"
+
+#include "cli/JobReport.h"
+#include "cli/JobSession.h"
+
+namespace NSTambraCli {
+
+namespace {
+
+using NSTambraPacking::EPackEnding;
+
+const char* EndingName(EPackEnding ending) {
+  switch (ending) {
+    case EPackEnding::kPacked:
+      return "packed";
+    case EPackEnding::kPackedWithNotes:
+      return "packed_with_notes";
+    case EPackEnding::kProblems:
+      return "problems";
+  }
+  return "problems";
+}
+
+/// Says where the results are.
+void ReportFiles(CJobSession& session, const char* ending, EExitStatus status) {
+  const NSTambraPacking::CPackJobState* const state = session.Packer().State();
+  const std::string log = state != nullptr && state->fLogFile
+                              ? NSTolbrook::DisplayText(state->fLogFile->Path())
+                              : std::string();
+  const bool isPacked = status == kExitDone || status == kExitProblems;
+  const std::string package =
+      isPacked ? NSTolbrook::DisplayText(state->fOutputFile.Path()) : std::string();
+  const CConsole& console = session.Console();
+  if (console.Json()) {
+    nlohmann::ordered_json event = {{"event", "result"}, {"ending", ending}, {"status", status}};
+    if (isPacked) event["package"] = package;
+    if (isPacked) event["files"] = state->fInformation.fFileCount;
+    if (!log.empty()) event["log"] = log;
+    console.PrintJson(event);
+    return;
+  }
+  const auto note = [&](NSTambraPacking::CStringNumber number, const std::string& path) {
+    if (path.empty()) return;
+    console.Note(Printable(session.Texts().Text(number, {NSTolbrook::TextFromUtf8(path)})));
+  };
+  note(NSTambraPacking::kTambraFile, package);
+  note(NSTambraPacking::kLogFile, log);
+}
+
+const char* StatusName(EExitStatus status) {
+  if (status == kExitStopped) return "stopped";
+  return status == kExitAborted ? "aborted" : "failed";
+}
+
+}  // namespace
+
+unsigned DefaultJobs() { return std::max(1U, std::thread::hardware_concurrency()); }
+
+CLI::App* CPackCommand::Register(CLI::App& program) {
+  CLI::App* const command = program.add_subcommand("pack", "Make a package of a folder");
+  command->add_option("INPUT", fInput, "The folder with the content library")->required();
+  command->add_option("OUTPUT", fOutput, "The folder for the package and the log")->required();
+  command->add_flag("--warn-external", fWarnForExternal,
+                    "Ask about each file that refers to another package");
+  command->add_flag("--replace", fReplace, "Replace a package that is there already");
+  command->add_option("--answer", fAnswers, "Answer an alert in advance, by number and button")
+      ->type_name("ALERT=BUTTON")
+      ->allow_extra_args(false);
+  command->add_flag("--yes", fYes, "Go on wherever the packer would ask");
+  command->add_option("--jobs", fJobs, "Threads that verify and pack (default: all cores)")
+      ->type_name("N")
+      ->check(CLI::Range(1U, 1024U));
+  return command;
+}
+
+int CPackCommand::Run(const CGlobalOptions& options) {
+  CJobSession::COptions sessionOptions;
+  for (const std::string& answer : fAnswers) AddAnswer(sessionOptions.fAnswers, answer);
+  if (fReplace) AddAnswer(sessionOptions.fAnswers, "20=Replace");
+  sessionOptions.fAnswers.fYes = fYes;
+  sessionOptions.fWarnForExternal = fWarnForExternal;
+  CJobSession session(options, std::move(sessionOptions));
+
+  NSTambraPacking::CPackSettings settings;
+  settings.fInputFolder = NSTolbrook::CFileItem(PathArgument(fInput));
+  settings.fOutputFolder = NSTolbrook::CFileItem(PathArgument(fOutput));
+  settings.fJobs = fJobs == 0 ? DefaultJobs() : fJobs;
+  settings.fSlicedLoopLibrary = session.LoopLibrary();
+  const char* ending = nullptr;
+  const EExitStatus status = session.Run([&] {
+    NSTambraPacking::CPackageInformation information;
+    const EPackEnding packed = session.Packer().Run(settings, information, session.Progress());
+    ending = EndingName(packed);
+    return packed == EPackEnding::kProblems ? kExitProblems : kExitDone;
+  });
+  if (const auto* const state = session.Packer().State()) {
+    NoteRemarks(session.Console(), session.Texts(), *state);
+  }
+  ReportFiles(session, ending == nullptr ? StatusName(status) : ending, status);
+  return status;
+}
+
+}  // namespace NSTambraCli

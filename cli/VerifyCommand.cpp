@@ -1,0 +1,102 @@
+#include <nlohmann/json.hpp>
+
+#include "Parts/TolbrookPackage/Core/Exception.h"
+#include "Parts/TolbrookPackage/Core/Text.h"
+
+#include "cli/JobSession.h"
+#include "cli/PackCommand.h"
+#include "cli/PackageCommands.h"
+#include "cli/StopSignal.h"
+#include "filetypes/PackedEntryVerifier.h"
+#include "package/PackageReader.h"
+#include "package/StdioMedia.h"
+
+namespace NSTambraCli {
+
+namespace {
+
+using NSTambraPacking::CTextResources;
+using NSTambraPacking::CVerificationResult;
+using NSTolbrook::Utf8FromText;
+
+void PrintJson(const CConsole& console, const CVerificationResult& result, bool isSound) {
+  nlohmann::ordered_json report = {{"sound", isSound},
+                                   {"verified", result.fVerifiedCount},
+                                   {"failed", nlohmann::ordered_json::array()},
+                                   {"broken", nlohmann::ordered_json::array()}};
+  for (const auto& [entry, message] : result.fFailed) {
+    report["failed"].push_back({{"path", Utf8FromText(entry->Path())}, {"message", message}});
+  }
+  for (const auto& [entry, references] : result.fBroken) {
+    nlohmann::ordered_json broken = {{"path", Utf8FromText(entry->Path())}};
+    for (const auto& reference : references) {
+      broken["references"].push_back(Utf8FromText(reference));
+    }
+    report["broken"].push_back(std::move(broken));
+  }
+  console.PrintJson(report);
+}
+
+void PrintLines(const CConsole& console, const CTextResources& texts,
+                const CVerificationResult& result, bool isSound) {
+  const auto print = [&](NSTambraPacking::CStringNumber number,
+                         const std::vector<std::u16string>& arguments = {}) {
+    console.Print(Printable(texts.Text(number, arguments)));
+  };
+  for (const auto& [entry, message] : result.fFailed) {
+    print(NSTambraPacking::kFailureDetail, {entry->Path(), NSTolbrook::TextFromUtf8(message)});
+  }
+  if (!result.fBroken.empty()) print(NSTambraPacking::kLogBroken);
+  for (const auto& [entry, references] : result.fBroken) {
+    console.Print("    " + Printable(entry->Path()));
+    for (const auto& reference : references) console.Print("        " + Printable(reference));
+  }
+  if (isSound) {
+    print(NSTambraPacking::kTambraSound,
+          {NSTolbrook::TextFromUtf8(std::to_string(result.fVerifiedCount))});
+  } else {
+    print(NSTambraPacking::kTambraDamaged);
+  }
+}
+
+}  // namespace
+
+CLI::App* CVerifyCommand::Register(CLI::App& program) {
+  CLI::App* const command =
+      program.add_subcommand("verify", "Read every entry of a package as its type demands");
+  command->add_option("FILE", fFile, "The package")->required();
+  command->add_option("--jobs", fJobs, "Threads that verify (default: all cores)")
+      ->type_name("N")
+      ->check(CLI::Range(1U, 1024U));
+  return command;
+}
+
+int CVerifyCommand::Run(const CGlobalOptions& options) {
+  const CConsole console = options.Console();
+  const CTextResources texts = LoadTexts(options);
+  const auto library = LoadLoopLibrary(options);
+  const CStopSignal signal;
+  const auto media = NSBigFilePackage::CStdioMedia::OpenForReading(PathArgument(fFile));
+  NSTambraPacking::CPackedEntryVerifier entryVerifier(
+      NSTambraPacking::CPackageReader(media).Header().fTambraName, library.get(),
+      CStopSignal::Requested);
+  NSTambraPacking::CVerificationOptions verification;
+  verification.fJobs = fJobs == 0 ? DefaultJobs() : fJobs;
+  try {
+    const CVerificationResult result =
+        NSTambraPacking::CPackageVerifier(entryVerifier, nullptr, nullptr)
+            .Verify(media, verification);
+    const bool isSound = result.fFailed.empty() && result.fBroken.empty();
+    if (console.Json()) {
+      PrintJson(console, result, isSound);
+    } else {
+      PrintLines(console, texts, result, isSound);
+    }
+    return isSound ? kExitDone : kExitFailed;
+  } catch (const NSMordel::XSilentAbort&) {
+    console.Note(Printable(texts.Text(NSTambraPacking::kStopped)));
+    return kExitStopped;
+  }
+}
+
+}  // namespace NSTambraCli
