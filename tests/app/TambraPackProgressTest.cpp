@@ -4,14 +4,11 @@
 
 #include "app/PackageInformation.h"
 #include "app/TambraPackProgress.h"
+#include "app/TambraPacker.h"
 #include "package/PackageEntry.h"
 #include "tests/support/ManualClock.h"
 
 namespace NSTambraPacking {
-
-/// Only its address is handed on here.
-class CTambraPacker {};
-
 namespace {
 
 using CLines = std::vector<std::u16string>;
@@ -44,6 +41,14 @@ class CRecordingJob : public IPackJobChecks {
   std::function<void()> fQuestion = [] {};
 };
 
+class CNoAlerts : public IAlertPresenter {
+ public:
+  int Show(CAlertNumber number, const CAlertText&) override {
+    ADD_FAILURE() << "alert " << number.fEntry;
+    return kLastButton;
+  }
+};
+
 class TambraPackProgress : public testing::Test {
  protected:
   TambraPackProgress() {
@@ -58,7 +63,8 @@ class TambraPackProgress : public testing::Test {
   NSTest::CManualClock fClock;
   CRecordingView fView;
   CRecordingJob fJob;
-  CTambraPacker fPacker;
+  CNoAlerts fNoAlerts;
+  CTambraPacker fPacker{fTexts, fNoAlerts, fClock};  // only its address is handed on
   CPackageEntry fEntry{u"d/a.wav", 11, 1, nullptr};
   CTambraPackProgress fProgress{fTexts, fClock, fView, {true, true}};
 };
