@@ -78,6 +78,16 @@ inline constexpr CStringNumber kInfoFiles{128, 335};
 inline constexpr CStringNumber kInfoSize{128, 336};
 inline constexpr CStringNumber kListTotal{128, 337};
 
+// Why a reference may lead nowhere
+inline constexpr CStringNumber kHintOtherName{128, 340};
+inline constexpr CStringNumber kHintOtherFolder{128, 341};
+inline constexpr CStringNumber kHintOtherCase{128, 342};
+inline constexpr CStringNumber kHintOutside{128, 343};
+inline constexpr CStringNumber kHintSkipItem{128, 344};
+inline constexpr CStringNumber kHintUnsupported{128, 345};
+inline constexpr CStringNumber kHintProhibitedDevice{128, 346};
+inline constexpr CStringNumber kHintLeftOut{128, 347};
+
 // Standard menus
 inline constexpr CStringNumber kFileMenu{1000, 1};
 inline constexpr CStringNumber kEditMenu{1000, 2};

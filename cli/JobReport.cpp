@@ -6,6 +6,7 @@
 #include "Parts/TolbrookPackage/Core/Text.h"
 
 #include "app/NameLists.h"
+#include "app/ReferenceAdvice.h"
 
 namespace NSTambraCli {
 
@@ -67,6 +68,22 @@ class CFindings {
   bool fTitlePrinted = false;
 };
 
+/// A line for each reference about which something can be said.
+void PrintAdvice(const CConsole& console, const CTextResources& texts, const CPackJobState& state) {
+  for (const auto& [entry, reference, hints] : AdviseOnReferences(texts, state)) {
+    if (hints.empty()) continue;
+    if (!console.Json()) {
+      console.Print(Printable(texts.Text(kFailureDetail, {entry, reference})));
+      for (const std::u16string& hint : hints) console.Print(kDetailIndent + Printable(hint));
+      continue;
+    }
+    nlohmann::ordered_json event = {
+        {"event", "hint"}, {"file", Utf8FromText(entry)}, {"reference", Utf8FromText(reference)}};
+    for (const std::u16string& hint : hints) event["hints"].push_back(Utf8FromText(hint));
+    console.PrintJson(event);
+  }
+}
+
 std::vector<std::u16string> ReasonOf(const CJobEntry& entry) {
   if (entry.fReason.empty()) return {};
   return {NSTolbrook::TextFromUtf8(entry.fReason)};
@@ -84,6 +101,7 @@ void PrintFindings(const CConsole& console, const CTextResources& texts,
   const CPackLists& lists = state.fLists;
   findings.Begin("unresolved", kLogUnresolved);
   for (const auto& [file, references] : lists.fUnresolved) findings.Add(file, references);
+  PrintAdvice(console, texts, state);
   findings.Begin("external", kLogExternal);
   for (const auto& [file, names] : lists.fExternal) findings.Add(file, DistinctNames(names));
   findings.Begin("prohibited", kLogProhibited);

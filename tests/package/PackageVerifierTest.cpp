@@ -24,12 +24,17 @@ class CScriptedVerifier : public IEntryVerifier {
                                  })
       : fScript(std::move(script)) {}
 
+  void TakeEntries(const std::vector<std::shared_ptr<CPackageEntry>>& entries) override {
+    fEntryCount = entries.size();
+  }
+  void Cancel() override {}
   std::vector<std::u16string> Verify(const CPackageEntry& entry, bool resolve) const override {
     fCalls.push_back(NSTolbrook::Utf8FromText(entry.Name()) + (resolve ? " resolved" : ""));
     return fScript(entry);
   }
 
   mutable std::vector<std::string> fCalls;
+  std::size_t fEntryCount = 0;
 
  private:
   CScript fScript;
@@ -44,11 +49,12 @@ class PackageVerifierTest : public testing::Test {
     fExpected = composing.Compose(NSTest::ExampleEntries(), *fPackage);
   }
 
-  CVerificationResult Verify(const CScriptedVerifier& verifier) {
+  CVerificationResult Verify(CScriptedVerifier& verifier) {
     return CPackageVerifier(verifier, &fJob, &fProgress).Verify(fPackage, fOptions);
   }
   CVerificationResult VerifyWith(CScriptedVerifier::CScript script) {
-    return Verify(CScriptedVerifier(std::move(script)));
+    CScriptedVerifier verifier(std::move(script));
+    return Verify(verifier);
   }
   std::string Refusal() {
     try {
@@ -71,6 +77,7 @@ TEST_F(PackageVerifierTest, EntriesAreReportedAndVerifiedInOrder) {
   const CVerificationResult result = Verify(fVerifier);
   EXPECT_EQ(result.fHeader, fExpected);
   EXPECT_EQ(result.fVerifiedCount, 3u);
+  EXPECT_EQ(fVerifier.fEntryCount, 3u);
   EXPECT_TRUE(result.fFailed.empty() && result.fBroken.empty());
   EXPECT_EQ(fVerifier.fCalls,
             (std::vector<std::string>{"Beat.mid", "Splash.jpg", "One.ops resolved"}));
