@@ -8,6 +8,7 @@
 #include "Parts/TolbrookPackage/Core/Text.h"
 
 #include "app/VersionText.h"
+#include "package/PackageFormat.h"
 #include "package/SplashCheck.h"
 
 namespace NSTambraPacking {
@@ -144,6 +145,7 @@ std::optional<CAlertChoice> ChooseFamilyAlert(const CExceptionBodyMixin& failure
   if (IsAnyOf<XAbort, XSilentAbort>(failure)) return std::nullopt;
   if (IsKind<XStdBadAlloc>(failure)) return CAlertChoice{kGenericOutOfMemory, {}};
   if (const auto choice = ContextAlert(failure)) return choice;
+  if (IsKind<XOutOfSpace>(failure)) return CAlertChoice{kGenericDiskFull, {}};
   if (!fileName.empty()) {
     if (const auto number = SituationAlert(failure, situation)) {
       return CAlertChoice{*number, {fileName}};

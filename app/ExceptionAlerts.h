@@ -13,11 +13,10 @@
 
 namespace NSTambraPacking {
 
-/// Context keys of failures that have an alert of their own, beside kSplashKey, kTambraNameKey and
-/// kVersionKey. The output folder lies inside the input folder; the value is the output folder.
+/// Context key of a failure that has an alert of its own, as have those with kSplashKey,
+/// kTambraNameKey, kVersionKey and kPackageSizeKey: the output folder, which is the value, lies
+/// inside the input folder.
 inline constexpr const char* kOutputFolderKey = "outputfolder";
-/// The package would not fit; the value is its size in bytes, "secondary_object_id" the limit.
-inline constexpr const char* kPackageSizeKey = "tambrasize";
 
 /// What the pack job was doing when a failure left it.
 enum class ESituation {

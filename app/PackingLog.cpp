@@ -8,6 +8,8 @@
 #include "Parts/TolbrookPackage/Core/Exception.h"
 #include "Parts/TolbrookPackage/Core/Text.h"
 
+#include "app/NameLists.h"
+
 namespace NSTambraPacking {
 
 namespace {
@@ -55,9 +57,7 @@ class CLogText {
     AddTitle(kLogExternal);
     for (const auto& [entry, names] : items) {
       AddLine(kItemIndent, entry);
-      for (auto name = names.begin(); name != names.end(); ++name) {
-        if (std::find(names.begin(), name, *name) == name) AddLine(kDetailIndent, *name);
-      }
+      for (const std::u16string& name : DistinctNames(names)) AddLine(kDetailIndent, name);
     }
   }
 
@@ -76,12 +76,7 @@ class CLogText {
   std::u16string SortedList(std::vector<std::u16string> names) const {
     std::sort(names.begin(), names.end());
     names.erase(std::unique(names.begin(), names.end()), names.end());
-    std::u16string list;
-    for (const std::u16string& name : names) {
-      if (!list.empty()) list += fTexts.Text(kListSeparator);
-      list += name;
-    }
-    return list;
+    return JoinNames(fTexts, names);
   }
 
   const CTextResources& fTexts;

@@ -6,6 +6,8 @@
 #include "Parts/TolbrookPackage/Core/Exception.h"
 #include "Parts/TolbrookPackage/Core/Text.h"
 
+#include "package/PackageFormat.h"
+
 namespace NSTambraPacking {
 
 namespace {
@@ -54,8 +56,8 @@ CFormatVersion ParseVersionText(std::u16string_view text) {
     throw NSMordel::XFormatViolation("the version text \"" + bytes + "\" is not a version",
                                      context);
   }
-  if (*version > kLatestPackageVersion) {
-    const std::string latest = kLatestPackageVersion.Text();
+  if (*version > kSupportedPackageVersion) {
+    const std::string latest = kSupportedPackageVersion.Text();
     NSMordel::XVersionTooNew failure("the version " + bytes + " is later than " + latest, context);
     failure.AddContext(NSMordel::kSecondaryObjectId, latest);
     throw failure;

@@ -12,13 +12,10 @@ namespace NSTambraPacking {
 /// Context key of failures of the package's version; its value is the version's text.
 inline constexpr const char* kVersionKey = "tambraversion";
 
-/// The latest version of a package that hosts open.
-inline constexpr NSTolbrook::CFormatVersion kLatestPackageVersion{1, 2, 0};
-
 /// The version that a publisher wrote as `major[.minor[.bugfix]][stage build]`: decimal numbers of
 /// 32 bits without blanks, the stage one of d, a, b and f; without a stage it is final, build 0.
 /// No text at all is 1.0.0. Throws XFormatViolation for any other text and XVersionTooNew for a
-/// version later than kLatestPackageVersion; both carry kVersionKey, the latter
+/// version later than kSupportedPackageVersion; both carry kVersionKey, the latter
 /// also the latest version as "secondary_object_id".
 NSTolbrook::CFormatVersion ParseVersionText(std::u16string_view text);
 

@@ -6,6 +6,8 @@
 
 #include "Parts/TolbrookPackage/Core/Exception.h"
 
+#include "package/PackageFormat.h"
+
 namespace NSTambraPacking {
 
 namespace {
@@ -17,6 +19,7 @@ void CopyToEntry(const NSTolbrook::CFileItem& source, NSBigFilePackage::IMedia& 
                  const CPackContext& context) {
   const NSBigFilePackage::SharedMedia input = OpenSource(source);
   if (input == nullptr) throw NSMordel::XOpen();
+  FitPackageLimit(input->Size(), "the size of the file");  // before gigabytes are copied in vain
   std::vector<std::uint8_t> buffer(kBufferSize);
   const std::span<std::uint8_t> bytes(buffer);
   std::uint64_t position = 0;

@@ -35,8 +35,10 @@ std::span<const std::uint8_t> BytesOf(std::string_view text) {
 std::uint32_t FitPackageLimit(std::uint64_t value, const char* what) {
   if (value <= kPackageLimit) return static_cast<std::uint32_t>(value);
   throw NSMordel::XOutOfSpace(std::string(what) + " would reach " + std::to_string(value) +
-                              ", but a package can hold no more than " +
-                              std::to_string(kPackageLimit));
+                                  ", but a package can hold no more than " +
+                                  std::to_string(kPackageLimit),
+                              {{kPackageSizeKey, std::to_string(value)},
+                               {NSMordel::kSecondaryObjectId, std::to_string(kPackageLimit)}});
 }
 
 void CheckPackageVersion(const NSTolbrook::CFormatVersion& version) {

@@ -21,8 +21,12 @@ inline constexpr std::uint64_t kPackageLimit = 0xFFFFFFFF;
 /// Bytes of buffer with which a package is read from its start.
 inline constexpr std::size_t kPackageBufferLength = 16384;
 
-/// `value` in 32 bits. Throws XOutOfSpace with the value and the limit when it is beyond
-/// kPackageLimit; `what` names it in that message ("the package's data").
+/// Context key of the failure that a package would not fit; the limit stands under
+/// secondary_object_id.
+inline constexpr const char* kPackageSizeKey = "tambrasize";
+
+/// `value` in 32 bits. Throws XOutOfSpace with the value and the limit, in the message and as
+/// kPackageSizeKey, when it is beyond kPackageLimit; `what` names it ("the package's data").
 std::uint32_t FitPackageLimit(std::uint64_t value, const char* what);
 
 /// Throws XVersionTooNew when `version` is later than kSupportedPackageVersion. The sixth part of a
