@@ -36,6 +36,22 @@ std::u16string FailingFile(const std::exception_ptr& failure) {
   }
 }
 
+/// Gives up the packed entries at the end of a run, however it ends: the state lives on to tell
+/// what was found out, the working file must not.
+class CWorkingFileEnd {
+ public:
+  explicit CWorkingFileEnd(CPackJobState& state) : fState(state) {}
+  CWorkingFileEnd(const CWorkingFileEnd&) = delete;
+  CWorkingFileEnd& operator=(const CWorkingFileEnd&) = delete;
+  ~CWorkingFileEnd() {
+    fState.fStore.reset();
+    fState.fWorkingFile.reset();
+  }
+
+ private:
+  CPackJobState& fState;
+};
+
 }  // namespace
 
 CTambraPacker::CTambraPacker(const CTextResources& texts, IAlertPresenter& presenter,
@@ -108,6 +124,7 @@ void CTambraPacker::PrepareOutput() {
 }
 
 void CTambraPacker::RunPhases(std::span<const CPhase> phases, CTambraPackProgress& progress) {
+  const CWorkingFileEnd workingFileEnd(*fState);
   progress.Attach(*this);
   const CJobAlerts alerts(fTexts, fPresenter, &progress);
   const CPhaseContext context{*fState, this, &progress, alerts};
@@ -116,8 +133,6 @@ void CTambraPacker::RunPhases(std::span<const CPhase> phases, CTambraPackProgres
     phase.fRun(context);
   }
   fSituation = ESituation::kGeneral;
-  fState->fStore.reset();
-  fState->fWorkingFile.reset();
 }
 
 void CTambraPacker::CheckEntries() {

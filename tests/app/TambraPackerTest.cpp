@@ -1,0 +1,441 @@
+#include <gtest/gtest.h>
+
+#include "tests/support/PackRun.h"
+
+namespace NSTambraPacking {
+namespace {
+
+using NSTest::AlertsAre;
+using NSTest::CLibrary;
+using NSTest::CPackRun;
+using NSTest::CReferenceTexts;
+using CLines = std::vector<std::string>;
+
+/// The library that most tests change: a used sample, and a patch that refers to it.
+void AddContent(CLibrary& library) {
+  library.WithSample("Samples/a.wav");
+  library.WithPatch("P.dp01", {{"/Samples/a.wav"}});
+}
+
+struct CEnding {
+  const char* fWhat;
+  std::function<void(CLibrary&)> fChange;
+  NSTest::CScriptedAlerts::CAnswers fAnswers;
+  std::string fEnding;
+  CLines fAlerts;
+  CLines fLog;
+  bool fWarn = true;
+};
+
+const CReferenceTexts kOther = {{.fRelative = "/x.wav", .fTambra = "Other"}};
+const CReferenceTexts kTwoOthers = {{.fRelative = "/x.wav", .fTambra = "Other"},
+                                    {.fRelative = "/y.wav", .fTambra = "Third"},
+                                    {.fRelative = "/z.wav", .fTambra = "Other"}};
+const CLines kOtherLog = {"External Tambra references:", "    P.dp01", "        Other",
+                          "Packing aborted"};
+const CLines kOtherPackedLog = {"Unresolved references:",
+                                "    P.dp01",
+                                "        ref => x.wav",
+                                "External Tambra references:",
+                                "    P.dp01",
+                                "        Other",
+                                "Packing complete"};
+
+const CEnding kEndings[] = {
+    {"clean",
+     [](CLibrary&) {},
+     {},
+     "packed",
+     {"5 The Tambra file has been packed successfully! 3 files were added."},
+     {"Packing complete"}},
+    {"no name", [](CLibrary& l) { l.Without("NAME.TXT"); }, {}, "failed", {"4"}, {}},
+    {"an empty name", [](CLibrary& l) { l.WithFile("NAME.TXT", " \n"); }, {}, "failed", {"4"}, {}},
+    {"no splash", [](CLibrary& l) { l.Without("Splash.jpg"); }, {}, "failed", {"12"}, {}},
+    {"neither",
+     [](CLibrary& l) { l.Without("Splash.jpg").Without("NAME.TXT"); },
+     {},
+     "failed",
+     {"4"},
+     {}},
+    {"a splash that is left out",
+     [](CLibrary& l) { l.WithInfo("SKIP_ITEM", "SPLASH.JPG"); },
+     {},
+     "failed",
+     {"12"},
+     {}},
+    {"a splash in a folder",
+     [](CLibrary& l) { l.Without("Splash.jpg").WithSplash("Art/Splash.jpg", 64); },
+     {},
+     "failed",
+     {"12"},
+     {}},
+    {"a splash in other case",
+     [](CLibrary& l) { l.Without("Splash.jpg").WithSplash("SPLASH.JPG", 64); },
+     {},
+     "packed",
+     {"5"},
+     {"Packing complete"}},
+    {"a splash of the wrong size, and no name",
+     [](CLibrary& l) { l.WithSplash("Splash.jpg", 63).Without("NAME.TXT"); },
+     {},
+     "failed",
+     {"13 size 64x64 pixels"},
+     {}},
+    {"a splash that is no picture",
+     [](CLibrary& l) { l.WithFile("Splash.jpg", "GIF89a"); },
+     {},
+     "failed",
+     {"13"},
+     {}},
+    {"a name that no file can have",
+     [](CLibrary& l) { l.WithFile("NAME.TXT", "a/b"); },
+     {},
+     "failed",
+     {"303 “a/b”"},
+     {}},
+    {"a version with a stage",
+     [](CLibrary& l) { l.WithFile("VERSION.TXT", "1.2.0b3"); },
+     {},
+     "packed",
+     {"5"},
+     {"Packing complete"}},
+    {"no version",
+     [](CLibrary& l) { l.WithFile("VERSION.TXT", "first"); },
+     {},
+     "failed",
+     {"301 “first”"},
+     {}},
+    {"a later version",
+     [](CLibrary& l) { l.WithInfo("VERSION", "1.2.1"); },
+     {},
+     "failed",
+     {"302 version 1.2.1 "},
+     {}},
+    {"a broken shortcut",
+     [](CLibrary& l) { l.WithFile("S/x.lnk", "rubbish"); },
+     {},
+     "failed",
+     {"26 x.lnk"},
+     {}},
+    {"an unknown type, left out",
+     [](CLibrary& l) { l.WithFile("Art/stray.png", "x"); },
+     {{21, true}},
+     "packed",
+     {"21 “Art/stray.png”", "5 3 files"},
+     {"Packing complete"}},
+    {"an unknown type, not left out",
+     [](CLibrary& l) { l.WithFile("Art/stray.png", "x"); },
+     {{21, false}},
+     "silent",
+     {"21", "7"},
+     {"Failed validating:", "    Art/stray.png", "Packing aborted"}},
+    {"three channels",
+     [](CLibrary& l) { l.WithSample("Samples/a.wav", 3); },
+     {},
+     "silent",
+     {"7"},
+     {"Failed validating:", "    Samples/a.wav", "Packing aborted"}},
+    {"failed and unresolved together",
+     [](CLibrary& l) {
+       l.WithSample("Samples/a.wav", 3).WithSong("S.ops", {{"/no.wav"}, {"/gone.wav", 1}});
+       l.WithFile("bad.dp02", "FORM");
+     },
+     {},
+     "silent",
+     {"7"},
+     {"Failed validating:", "    bad.dp02", "    Samples/a.wav", "Unresolved references:",
+      "    S.ops", "        ref => no.wav", "        ref => ../gone.wav", "Packing aborted"}},
+    {"one other package, accepted",
+     [](CLibrary& l) { l.WithPatch("P.dp01", kOther); },
+     {{18, true}},
+     "problems",
+     {"18 “P.dp01” refers to the Tambra Other.", "7"},
+     kOtherPackedLog},
+    {"one other package, refused",
+     [](CLibrary& l) { l.WithPatch("P.dp01", kOther); },
+     {{18, false}},
+     "silent",
+     {"18", "7"},
+     kOtherLog},
+    {"one other package, not asked about",
+     [](CLibrary& l) { l.WithPatch("P.dp01", kOther); },
+     {},
+     "problems",
+     {"7"},
+     kOtherPackedLog,
+     false},
+    {"several other packages",
+     [](CLibrary& l) { l.WithPatch("P.dp01", kTwoOthers).WithSong("S.ons", kOther); },
+     {{23, true}, {18, false}},
+     "silent",
+     {"23 the Tambras Other, Third.", "18 “S.ons”", "7"},
+     {"External Tambra references:", "    P.dp01", "        Other", "        Third", "    S.ons",
+      "        Other", "Packing aborted"}},
+    {"a reference of an unknown kind",
+     [](CLibrary& l) {
+       l.WithPatch("P.dp01", {{"/Samples/a.wav", 0, "", 14}});
+     },
+     {},
+     "problems",
+     {"7"},
+     {"Failed validating:", "    P.dp01", "Packing complete"}},
+    {"a reference into this package that it cannot supply",
+     [](CLibrary& l) {
+       l.WithPatch("P.dp01", {{.fRelative = "/no.wav", .fTambra = "Kit", .fDatabase = "/no.wav"}});
+     },
+     {},
+     "problems",
+     {"7"},
+     {"Broken references in the finished Tambra (usually caused by faults of the Tambra packer "
+      "itself):",
+      "    P.dp01", "        ref => Kit:no.wav", "Packing complete"}},
+};
+
+TEST(TambraPacker, EndsEachRunAsItShould) {
+  for (const CEnding& test : kEndings) {
+    SCOPED_TRACE(test.fWhat);
+    CLibrary library;
+    AddContent(library);
+    test.fChange(library);
+    CPackRun run(library, test.fAnswers, test.fWarn);
+    EXPECT_EQ(run.Pack(), test.fEnding);
+    EXPECT_TRUE(AlertsAre(run.fAlerts.fShown, test.fAlerts));
+    EXPECT_EQ(run.Log(), test.fLog);
+    const bool isPacked = test.fEnding == "packed" || test.fEnding == "problems";
+    EXPECT_EQ(run.OutputFiles().contains("Kit.tmb"), isPacked);
+    EXPECT_EQ(run.OutputFiles().size(), (isPacked ? 1U : 0U) + (test.fLog.empty() ? 0U : 1U));
+    EXPECT_EQ(run.fInformation.fName, isPacked ? u"Kit" : u"");
+  }
+}
+
+TEST(TambraPacker, ChecksWithoutWriting) {
+  const std::map<std::string, std::string> checked = {
+      {"clean", "passed"},
+      {"three channels", "aborted: tambra has failed entries"},
+      {"failed and unresolved together", "aborted: tambra has failed entries"},
+      {"one other package, refused", "aborted: "},
+      {"a name that no file can have", "failed"},
+      {"no splash", "failed"},
+  };
+  for (const CEnding& test : kEndings) {
+    const auto expected = checked.find(test.fWhat);
+    if (expected == checked.end()) continue;
+    SCOPED_TRACE(test.fWhat);
+    CLibrary library;
+    AddContent(library);
+    test.fChange(library);
+    CPackRun run(library, test.fAnswers, test.fWarn);
+    EXPECT_EQ(run.Check(), expected->second);
+    EXPECT_FALSE(std::filesystem::exists(library.Output()));
+  }
+}
+
+TEST(TambraPacker, AsksBeforeItReplaces) {
+  for (const bool replace : {false, true}) {
+    CLibrary library;
+    library.Folder().Write("out/Kit.tmb", std::string_view("old"));
+    CPackRun run(library, {{20, replace}});
+    EXPECT_EQ(run.Pack(), replace ? "packed" : "silent");
+    EXPECT_TRUE(AlertsAre(run.fAlerts.fShown, replace ? CLines{"20 “Kit.tmb”", "5"}  //
+                                                      : CLines{"20 “Kit.tmb”"}));
+    EXPECT_EQ(run.PackageBytes() == "old", !replace);
+    EXPECT_EQ(run.OutputFiles().size(), replace ? 2U : 1U);
+  }
+  CLibrary nameless;
+  nameless.Without("NAME.TXT").Folder().Write("out/output.tmb", std::string_view("old"));
+  CPackRun run(nameless, {{20, false}});
+  EXPECT_EQ(run.Pack(), "silent") << "asked about before the name is known";
+}
+
+TEST(TambraPacker, RefusesAnOutputFolderInsideTheInput) {
+  CLibrary library;
+  std::filesystem::create_directory_symlink(library.Input(), library.Folder().Path() / "way");
+  for (const char* output : {"in", "in/new/out", "way/new", "other/../in/x"}) {
+    CPackRun run(library.Input(), library.Folder().Path() / output);
+    EXPECT_EQ(run.Pack(), "failed") << output;
+    EXPECT_TRUE(AlertsAre(run.fAlerts.fShown, {"304"}));
+    EXPECT_FALSE(std::filesystem::exists(library.Input() / "new"));
+  }
+  CPackRun beside(library.Input(), library.Folder().Path() / "in2/deep");
+  EXPECT_EQ(beside.Pack(), "packed");
+}
+
+TEST(TambraPacker, AFileThatChangesAfterItWasVerified) {
+  const struct {
+    const char* fWhat;
+    bool fIsGone;
+    bool fGoOn;
+    const char* fEnding;
+    CLines fAlerts;
+    CLines fLog;
+  } cases[] = {
+      {"damaged, left out",
+       false,
+       true,
+       "packed",
+       {"10 “Samples/b.wav”", "5 3 files"},
+       {"Packing complete"}},
+      {"damaged, not left out, notes to tell",
+       false,
+       false,
+       "silent",
+       {"10", "7"},
+       {"Unreferenced samples:", "    Samples/b.wav", "Packing aborted"}},
+      {"damaged, not left out, nothing to tell", false, false, "silent", {"10"}, {}},
+      {"gone", true, false, "failed", {"9 “Samples/b.wav”"}, {}},
+  };
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.fWhat);
+    CLibrary library;
+    AddContent(library);
+    library.WithSample("Samples/b.wav");
+    if (!test.fLog.empty() && !test.fGoOn) library.WithInfo("WARN_ABOUT_UNUSED_SAMPLES", "YES");
+    CPackRun run(library, {{10, test.fGoOn}});
+    run.fSettings.fJobs = 3;
+    run.fProgress.fOnPhase = [&](int phase) {
+      if (phase != 4) return;
+      library.Without("Samples/b.wav");
+      if (!test.fIsGone) library.WithFile("Samples/b.wav", "RIFF");
+    };
+    EXPECT_EQ(run.Pack(), test.fEnding);
+    EXPECT_TRUE(AlertsAre(run.fAlerts.fShown, test.fAlerts));
+    EXPECT_EQ(run.Log(), test.fLog);
+    const std::size_t files = (test.fGoOn ? 1U : 0U) + (test.fLog.empty() ? 0U : 1U);
+    EXPECT_EQ(run.OutputFiles().size(), files) << "no working file stays while the packer lives";
+    if (test.fGoOn) {
+      EXPECT_FALSE(run.Packed().contains("Samples/b.wav"));
+    }
+  }
+}
+
+TEST(TambraPacker, AFinishedPackageThatIsDamagedOnDisk) {
+  const struct {
+    std::string fPart;
+    bool fIsHeader;
+  } cases[] = {{"Kit", true}, {std::string("\xFF\xD8\xFF", 3), false}};
+  for (const auto& test : cases) {
+    CLibrary library;
+    CPackRun run(library);
+    const auto damage = [&] {
+      const auto package = run.Output() / "Kit.tmb";
+      if (!std::filesystem::exists(package)) return;
+      std::string bytes = CPackRun::Bytes(package);
+      const std::size_t place = bytes.find(test.fPart);
+      if (place != bytes.npos) bytes[place] ^= 1;
+      library.Folder().Write("out/Kit.tmb", bytes);
+    };
+    // The header is read as soon as the phase begins, the entries after it was announced.
+    if (test.fIsHeader) {
+      run.fProgress.fOnStopCheck = [&, done = false]() mutable {
+        if (!done && std::filesystem::exists(run.Output() / "Kit.tmb")) damage(), done = true;
+      };
+    } else {
+      run.fProgress.fOnPhase = [&](int phase) { phase == 8 ? damage() : void(); };
+    }
+    EXPECT_EQ(run.Pack(), test.fIsHeader ? "failed" : "problems");
+    EXPECT_TRUE(AlertsAre(run.fAlerts.fShown, {test.fIsHeader ? "25 “Kit.tmb”" : "7"}));
+    EXPECT_EQ(run.Log(), test.fIsHeader ? CLines{}
+                                        : CLines({"Failed validating:", "    Splash.jpg",
+                                                  "Packing complete"}));
+  }
+}
+
+/// Whenever the user wants to stop, nothing of the run stays but a package that is whole.
+TEST(TambraPacker, StopsAtEveryReportAndLeavesNothing) {
+  CLibrary library;
+  AddContent(library);
+  library.WithBank("Bank.sf2");
+  CPackRun whole(library.Input(), library.Folder().Path() / "whole");
+  ASSERT_EQ(whole.Pack(), "packed");
+  const CLines& reports = whole.fProgress.fReports;
+  const auto isReadBack = std::find(reports.begin(), reports.end(), "begin 8 of 4");
+  ASSERT_NE(isReadBack, reports.end());
+  const auto composed = static_cast<std::size_t>(isReadBack - reports.begin());
+  for (std::size_t report = 0; report < reports.size(); ++report) {
+    SCOPED_TRACE(reports[report]);
+    CPackRun run(library, {{20, true}});
+    run.fProgress.fStopAt = report;
+    run.fSettings.fJobs = report % 2 == 0 ? 1 : 3;
+    EXPECT_EQ(run.Pack(), "silent: User aborted");
+    const std::set<std::string> left = report < composed ? std::set<std::string>{}  //
+                                                         : std::set<std::string>{"Kit.tmb"};
+    EXPECT_EQ(run.OutputFiles(), left);
+    EXPECT_FALSE(run.fProgress.StopRequested()) << "the request is answered";
+    EXPECT_TRUE(AlertsAre(run.fAlerts.fShown, report > composed ? CLines{"20"} : CLines{}));
+  }
+}
+
+/// A request that comes in between two reports is seen at the next check, and not once a log and
+/// a closing alert could contradict it.
+TEST(TambraPacker, StopsAtEveryCheckBetweenReports) {
+  CLibrary library;
+  AddContent(library);
+  std::size_t checks = 0;
+  for (bool stopped = true; stopped; ++checks) {
+    CPackRun run(library, {{20, true}});
+    std::size_t count = 0;
+    run.fProgress.fOnStopCheck = [&] {
+      if (count++ == checks) run.fProgress.RequestStop();
+    };
+    const std::string ending = run.Pack();
+    stopped = count > checks;
+    EXPECT_EQ(ending, stopped ? "silent: User aborted" : "packed");
+    const bool isWhole = run.OutputFiles().contains("Kit.tmb");
+    EXPECT_EQ(run.OutputFiles().size(), (isWhole ? 1U : 0U) + (stopped ? 0U : 1U));
+  }
+  EXPECT_GT(checks, 9U) << "at least one for each phase";
+}
+
+TEST(TambraPacker, GivesTheSameBytesAndReportsForAnyNumberOfThreads) {
+  CLibrary library;
+  for (int i = 0; i < 70; ++i) {
+    const std::string number = std::to_string(i);
+    library.WithSample("S/" + number + ".wav");
+    library.WithPatch("P/" + number + ".dp01", {{"/S/" + number + ".wav", 1}});
+  }
+  std::string bytes;
+  CLines reports;
+  for (const unsigned jobs : {1U, 2U, 5U}) {
+    CPackRun run(library, {{20, true}});
+    run.fSettings.fJobs = jobs;
+    ASSERT_EQ(run.Pack(), "packed");
+    if (jobs > 1) {
+      EXPECT_TRUE(run.PackageBytes() == bytes) << jobs;
+      EXPECT_EQ(run.fProgress.fReports, reports) << jobs;
+    }
+    bytes = run.PackageBytes();
+    reports = run.fProgress.fReports;
+  }
+}
+
+TEST(TambraPacker, RemovesWhatAKilledRunLeft) {
+  CLibrary library;
+  library.Folder().Write("out/.tambra-999999999-1.tmp", std::string_view("left"));
+  library.Folder().Write("out/mine.tmp", std::string_view("kept"));
+  const NSBigFilePackage::CTemporaryFile ofALivingRun(library.Output());
+  CPackRun run(library);
+  EXPECT_EQ(run.Pack(), "packed");
+  EXPECT_EQ(run.OutputFiles().size(), 4U);
+  EXPECT_FALSE(run.OutputFiles().contains(".tambra-999999999-1.tmp"));
+  EXPECT_TRUE(run.OutputFiles().contains(ofALivingRun.Path().filename().string()));
+}
+
+/// Libraries whose packages are known to the byte, odd names and clutter among their files.
+TEST(TambraPacker, MakesTheKnownPackagesOfTheExampleLibraries) {
+  for (const char* name : {"small", "large"}) {
+    SCOPED_TRACE(name);
+    const auto folder = std::filesystem::path(TAMBRA_TEST_DATA) / "libraries" / name;
+    const NSTest::CTemporaryFolder output;
+    CPackRun run(folder / "input", output.Path(), {{18, true}, {21, true}, {23, true}}, false);
+    run.fSettings.fJobs = 2;
+    EXPECT_EQ(run.Pack(), "notes");
+    EXPECT_TRUE(AlertsAre(run.fAlerts.fShown, {"6"}));
+    EXPECT_TRUE(run.PackageBytes() == CPackRun::Bytes(folder / "expected.tmb"));
+    ASSERT_TRUE(run.fPacker.State()->fLogFile);
+    EXPECT_EQ(CPackRun::Bytes(run.fPacker.State()->fLogFile->Path()),
+              CPackRun::Bytes(folder / "expected log.txt"));
+  }
+}
+
+}  // namespace
+}  // namespace NSTambraPacking
