@@ -1,0 +1,7 @@
+#include "codecs/SoundFontParser.h"
+#include "fuzz/FuzzInput.h"
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const NSFuzz::CFuzzInput input(data, size);
+  return NSFuzz::Try([&] { NSTambraPacking::CSoundFontParser(input.Media()).Parse(); });
+}
