@@ -13,9 +13,9 @@
 
 namespace NSTambraPacking {
 
-/// Context key of a failure that has an alert of its own, as have those with kSplashKey,
-/// kTambraNameKey, kVersionKey and kPackageSizeKey: the output folder, which is the value, lies
-/// inside the input folder.
+/// Context key of the failure that the output folder, its value, is or lies inside the input
+/// folder. A failure with this key has an alert of its own, as has one with kSplashKey,
+/// kTambraNameKey, kVersionKey or kPackageSizeKey.
 inline constexpr const char* kOutputFolderKey = "outputfolder";
 
 /// What the pack job was doing when a failure left it.

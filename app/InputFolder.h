@@ -9,7 +9,7 @@
 namespace NSTambraPacking {
 
 /// The information files in the top of an input folder, in scan order. Throws XNotFound when
-/// there is no such folder, XOpen when it is none, and what reading throws.
+/// there is no such folder, XOpen when it is no folder, and what reading throws.
 std::vector<CInformationFile> ReadInformationFiles(const NSTolbrook::NativePath& inputFolder);
 
 /// Throws XCreate with kOutputFolderKey when the output folder, which need not exist, is the input

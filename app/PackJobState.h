@@ -65,7 +65,8 @@ struct CPackSettings {
   const ISlicedLoopLibrary* fSlicedLoopLibrary = nullptr;
 };
 
-/// All that a run knows; made when it starts and gone when it ends.
+/// All that a run knows; made when it starts and kept, without the working file, until the next one
+/// starts.
 struct CPackJobState {
   CPackSettings fSettings;
   NSTolbrook::CFileItem fOutputFile;
@@ -81,7 +82,7 @@ struct CPackJobState {
   std::vector<CScannedShortcut> fShortcuts;
   CEntryTree fTree;
 
-  /// Holds the packed entries while the run lasts.
+  /// Hold the packed entries from phase 4 on while the run lasts.
   std::optional<NSBigFilePackage::CTemporaryFile> fWorkingFile;
   std::shared_ptr<NSBigFilePackage::CBlockStore> fStore;
   /// What goes into the package, information files among it for their texts.

@@ -24,13 +24,14 @@ struct CPhaseContext {
 /// The phases of a run in their order. Each checks for a stop request first (XSilentAbort "User
 /// aborted"), reports its items in order and leaves its results in the state.
 
-/// 0: makes an entry for each file of the input folder, in scan order. Throws XResolve for a broken
-/// shortcut.
+/// 0: makes an entry for each file of the input folder, in scan order; those that the publisher
+/// named are left out at once. Throws XResolve for a broken shortcut.
 void ScanInputFolder(const CPhaseContext& context);
 /// 1: takes up the package's texts and options and checks the splash. Throws XUnsupportedFormat for
 /// the splash, XNotFound when name or splash are missing, and what the version text throws.
 void TakePackageInformation(const CPhaseContext& context);
-/// 2: leaves out what the publisher named and builds the tree that references are looked up in.
+/// 2: builds the tree that references are looked up in; files that are left out stand in it, too,
+/// so that a reference to one is told from a reference to nothing.
 void BuildFolderStructure(const CPhaseContext& context);
 /// 3: verifies every entry, then leaves out what the options say. Throws XAbort at its end when
 /// entries failed or have unresolved references, or the user does not want to go on.

@@ -32,8 +32,8 @@ class CTambraPacker : private IPackJobChecks {
   /// - XSilentAbort when the run ended without a package and the user knows why: on a stop request,
   ///   a refused question, or after the log of an XAbort was written and its alert shown;
   /// - whatever else ended the run: ShowFailure shows it.
-  /// Unless all phases have begun to read the finished package back, no package is there, and no
-  /// working file in any case.
+  /// When it throws before phase 8 reads the finished package back, no package is left; the working
+  /// file never is.
   EPackEnding Run(const CPackSettings& settings, CPackageInformation& information,
                   CTambraPackProgress& progress);
 

@@ -5,8 +5,8 @@
 namespace NSTambraPacking {
 
 /// Copies the source file to the entry unchanged, in pieces of 8,192 bytes. Throws XOpen when the
-/// source cannot be opened, XOutOfSpace when it is longer than a package can hold, and XSilentAbort on a
-/// stop request.
+/// source cannot be opened, XOutOfSpace when it is longer than a package can hold, and XSilentAbort
+/// on a stop request.
 void CopyToEntry(const NSTolbrook::CFileItem& source, NSBigFilePackage::IMedia& destination,
                  const CPackContext& context);
 

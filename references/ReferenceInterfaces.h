@@ -46,8 +46,8 @@ class IReferenceRelocator {
  public:
   virtual ~IReferenceRelocator() = default;
   /// `kind` is that of the reference's chunk. Throws XUnsupportedFormat for a kind that cannot be
-  /// relocated and XResolve for a file that is found neither here nor, by its name, in the package.
-  /// Safe from several threads.
+  /// relocated, and XResolve when the file is not found and the reference does not name the package
+  /// being built. Safe from several threads.
   virtual CSampleReference Relocate(std::uint32_t kind, const CSampleReference& reference,
                                     std::u16string_view documentPath) const = 0;
 };
