@@ -72,6 +72,12 @@ TEST(TextResources, BundledTextsAreTheOnesThatUsersKnow) {
   const CAlertText stop = texts.Alert(kAlertStop);
   EXPECT_EQ(stop.fTitle, u"Stop Pack?");
   EXPECT_EQ(stop.fMessage, u"Do you wish to stop the packing that is currently  in progress?");
+  // Odd, and known to users, translators and scripts as they are.
+  EXPECT_TRUE(texts.Alert(kAlertPackedWithNotes, {u"3"})
+                  .fMessage.starts_with(u"The Tambra file has been packed sucessfully (3 files"));
+  EXPECT_EQ(texts.Alert(kAlertUnsupported).fButtons.back(), u"Continue Anyway");
+  EXPECT_EQ(texts.Alert(kAlertContinueWithout).fButtons.back(), u"Continue Without");
+  EXPECT_EQ(texts.Text(kLogProhibited), u"Files that references prohibited device types:");
   const CAlertText shortcut = texts.Alert(kAlertBadShortcut, {u"a[1].lnk"});
   EXPECT_EQ(shortcut.fMessage,
             u"The shortcut “a[1].lnk” cannot be resolved. Please delete or repair it in the "
