@@ -90,6 +90,24 @@ std::u16string TimeText(const NSTolbrook::CLocalTime& time) {
                                               time.fSecond));
 }
 
+/// The longest file name of common file systems, in UTF-8 bytes or UTF-16 units.
+constexpr std::size_t kLongestFileName = 255;
+
+/// The log's name from `entry` and the arguments behind the package's name, which loses its end
+/// when the whole would be too long for a file name: a package that is done must not lack its log.
+std::u16string LogName(const CTextResources& texts, CStringNumber entry, std::u16string package,
+                       const std::vector<std::u16string>& rest) {
+  std::vector<std::u16string> arguments = {{}};
+  arguments.insert(arguments.end(), rest.begin(), rest.end());
+  const std::size_t ending = NSTolbrook::Utf8FromText(texts.Text(entry, arguments)).size();
+  while (!package.empty() && NSTolbrook::Utf8FromText(package).size() + ending > kLongestFileName) {
+    const bool isPair = package.size() > 1 && package.back() >= 0xDC00 && package.back() < 0xE000;
+    package.resize(package.size() - (isPair ? 2 : 1));
+  }
+  arguments.front() = std::move(package);
+  return texts.Text(entry, arguments);
+}
+
 }  // namespace
 
 bool CPackLists::HasProblems() const {
@@ -134,13 +152,13 @@ NSTolbrook::NativePath CPackingLog::Write(const NSTolbrook::NativePath& folder,
 CFile CPackingLog::CreateFile(const NSTolbrook::NativePath& folder,
                               const std::u16string& packageName) const {
   const std::u16string time = TimeText(fClock.Now());
-  std::u16string name = fTexts.Text(kLogName, {packageName, time});
+  std::u16string name = LogName(fTexts, kLogName, packageName, {time});
   for (int counter = 2;; ++counter) {
     try {
       return CFile::Create(folder / NSTolbrook::NativeFromText(name), CFile::ECreate::kNew);
     } catch (const NSMordel::XAlreadyExists&) {
       const std::u16string number = NSTolbrook::TextFromUtf8(std::to_string(counter));
-      name = fTexts.Text(kNumberedLogName, {packageName, time, number});
+      name = LogName(fTexts, kNumberedLogName, packageName, {time, number});
     }
   }
 }
