@@ -127,7 +127,7 @@ std::optional<CAlertNumber> SituationAlert(const CExceptionBodyMixin& failure,
     case ESituation::kVerifying:
       return kAlertNotVerified;
     case ESituation::kPacking:
-      return isBadData ? kAlertContinueWithout : kAlertNotPacked;
+      return kAlertNotPacked;
     case ESituation::kComposing:
       if (isBadData) return kAlertBadFormatCancelled;
       return std::nullopt;
@@ -145,7 +145,6 @@ std::optional<CAlertChoice> ChooseFamilyAlert(const CExceptionBodyMixin& failure
   if (IsAnyOf<XAbort, XSilentAbort>(failure)) return std::nullopt;
   if (IsKind<XStdBadAlloc>(failure)) return CAlertChoice{kGenericOutOfMemory, {}};
   if (const auto choice = ContextAlert(failure)) return choice;
-  if (IsKind<XOutOfSpace>(failure)) return CAlertChoice{kGenericDiskFull, {}};
   if (!fileName.empty()) {
     if (const auto number = SituationAlert(failure, situation)) {
       return CAlertChoice{*number, {fileName}};

@@ -186,7 +186,8 @@ bool CTambraPacker::Ask(CAlertNumber number, const std::vector<std::u16string>& 
 void CTambraPacker::ShowFailure(const std::exception_ptr& failure) const {
   std::u16string file = fState == nullptr ? std::u16string() : fState->fCurrentFile;
   if (fSituation == ESituation::kFinalVerification) file = fState->fOutputFile.Name();
-  if (file.empty()) file = FailingFile(failure);
+  // A failure that packing no entry raised names the working file, which the user does not know.
+  if (file.empty() && fSituation != ESituation::kPacking) file = FailingFile(failure);
   if (file.empty() && fSituation == ESituation::kComposing) file = fState->fOutputFile.Name();
   if (const auto choice = ChooseAlert(failure, fSituation, file)) {
     ShowAlert(fTexts, fPresenter, *choice);

@@ -8,6 +8,7 @@
 #include "app/ExceptionAlerts.h"
 #include "app/PackageInformation.h"
 #include "app/VersionText.h"
+#include "package/PackageFormat.h"
 #include "package/SplashCheck.h"
 
 namespace NSTambraPacking {
@@ -77,8 +78,7 @@ TEST(ExceptionAlerts, AbortsShowNothing) {
 TEST(ExceptionAlerts, TheJobsAlertsGoBySituation) {
   const std::vector<std::tuple<std::exception_ptr, ESituation, CAlertNumber>> cases{
       {Make<XResolve>(), ESituation::kScanning, kAlertBadShortcut},
-      {Make<XUnsupportedFormat>(), ESituation::kPacking, kAlertContinueWithout},
-      {Make<XFormatViolation>(), ESituation::kPacking, kAlertContinueWithout},
+      {Make<XVersionTooNew>(), ESituation::kPacking, kAlertNotPacked},
       {Make<XOutOfSpace>(), ESituation::kPacking, kAlertNotPacked},
       {Make<XRead>(), ESituation::kVerifying, kAlertNotVerified},
       {Make<XFormatViolation>(), ESituation::kComposing, kAlertBadFormatCancelled},
