@@ -1,9 +1,25 @@
+#include <algorithm>
+
 #include "app/PackPhases.h"
 #include "filetypes/PackedEntryVerifier.h"
 #include "package/PackageVerifier.h"
 #include "package/StdioMedia.h"
 
 namespace NSTambraPacking {
+
+namespace {
+
+/// Files that failed while packing come before those that fail now; the log wants entry order.
+void SortByEntry(const CPackJobState& state, std::vector<std::u16string>& paths) {
+  const auto place = [&state](const std::u16string& path) {
+    const auto found = state.fEntryOfPath.find(path);
+    return found == state.fEntryOfPath.end() ? state.fEntries.size() : found->second;
+  };
+  std::stable_sort(paths.begin(), paths.end(),
+                   [&](const auto& left, const auto& right) { return place(left) < place(right); });
+}
+
+}  // namespace
 
 void VerifyPackage(const CPhaseContext& context) {
   CPackJobState& state = context.fState;
@@ -20,6 +36,7 @@ void VerifyPackage(const CPhaseContext& context) {
   for (const CFailedEntry& failed : result.fFailed) {
     state.fLists.fFailed.push_back(failed.fEntry->Path());
   }
+  SortByEntry(state, state.fLists.fFailed);
   for (const CBrokenEntry& broken : result.fBroken) {
     state.fLists.fBroken.push_back({broken.fEntry->Path(), broken.fReferences});
   }

@@ -41,6 +41,10 @@ const CLines kOtherPackedLog = {"Unresolved references:",
                                 "        Other",
                                 "Packing complete"};
 
+const std::string kBrokenTitle =
+    "Broken references in the finished Tambra (usually caused by faults of the Tambra packer "
+    "itself):";
+
 const CEnding kEndings[] = {
     {"clean",
      [](CLibrary&) {},
@@ -117,6 +121,15 @@ const CEnding kEndings[] = {
      "failed",
      {"26 x.lnk"},
      {}},
+    {"a file that no package can hold",
+     [](CLibrary& l) {
+       l.WithFile("huge.pad", "x");
+       std::filesystem::resize_file(l.Input() / "huge.pad", std::uintmax_t{5} << 30);
+     },
+     {},
+     "failed",
+     {"305 5368709120 bytes long"},
+     {}},
     {"an unknown type, left out",
      [](CLibrary& l) { l.WithFile("Art/stray.png", "x"); },
      {{21, true}},
@@ -186,9 +199,7 @@ const CEnding kEndings[] = {
      {},
      "problems",
      {"7"},
-     {"Broken references in the finished Tambra (usually caused by faults of the Tambra packer "
-      "itself):",
-      "    P.dp01", "        ref => Kit:no.wav", "Packing complete"}},
+     {kBrokenTitle, "    P.dp01", "        ref => Kit:no.wav", "Packing complete"}},
 };
 
 TEST(TambraPacker, EndsEachRunAsItShould) {
@@ -261,82 +272,100 @@ TEST(TambraPacker, RefusesAnOutputFolderInsideTheInput) {
 }
 
 TEST(TambraPacker, AFileThatChangesAfterItWasVerified) {
+  const NSTest::Bytes later = NSTest::Joined({NSTest::VersionBytes(2), NSTest::U32(12)});
+  const auto laterPatch = NSTest::Group("FORM", "PTCH", {NSTest::Chunk("REFE", later)});
+  const NSTest::Bytes damaged = NSTest::AsBytes("RIFF");
+  const NSTest::Bytes gone;
   const struct {
     const char* fWhat;
-    bool fIsGone;
+    std::string fFile;
+    NSTest::Bytes fBytes;
     bool fGoOn;
     const char* fEnding;
     CLines fAlerts;
     CLines fLog;
   } cases[] = {
-      {"damaged, left out",
-       false,
+      {"left out",
+       "S/b.wav",
+       damaged,
        true,
        "packed",
-       {"10 “Samples/b.wav”", "5 3 files"},
+       {"10 “S/b.wav”", "5 3 files"},
        {"Packing complete"}},
-      {"damaged, not left out, notes to tell",
-       false,
+      {"left out, but a patch refers to it",
+       "Samples/a.wav",
+       damaged,
+       true,
+       "problems",
+       {"10 “Samples/a.wav”", "7"},
+       {kBrokenTitle, "    P.dp01", "        ref => Samples/a.wav", "Packing complete"}},
+      {"not left out", "S/b.wav", damaged, false, "silent", {"10"}, {}},
+      {"not left out, and notes to tell",
+       "S/b.wav",
+       damaged,
        false,
        "silent",
        {"10", "7"},
-       {"Unreferenced samples:", "    Samples/b.wav", "Packing aborted"}},
-      {"damaged, not left out, nothing to tell", false, false, "silent", {"10"}, {}},
-      {"gone", true, false, "failed", {"9 “Samples/b.wav”"}, {}},
+       {"Unreferenced samples:", "    S/b.wav", "Packing aborted"}},
+      {"gone", "S/b.wav", gone, false, "failed", {"9 “S/b.wav”"}, {}},
+      {"of a later version", "P.dp01", laterPatch, true, "failed", {"9 “P.dp01”"}, {}},
   };
   for (const auto& test : cases) {
     SCOPED_TRACE(test.fWhat);
     CLibrary library;
     AddContent(library);
-    library.WithSample("Samples/b.wav");
-    if (!test.fLog.empty() && !test.fGoOn) library.WithInfo("WARN_ABOUT_UNUSED_SAMPLES", "YES");
+    library.WithSample("S/b.wav");
+    const bool hasNotes = !test.fLog.empty() && !test.fGoOn;
+    if (hasNotes) library.WithInfo("WARN_ABOUT_UNUSED_SAMPLES", "YES");
     CPackRun run(library, {{10, test.fGoOn}});
     run.fSettings.fJobs = 3;
     run.fProgress.fOnPhase = [&](int phase) {
       if (phase != 4) return;
-      library.Without("Samples/b.wav");
-      if (!test.fIsGone) library.WithFile("Samples/b.wav", "RIFF");
+      library.Without(test.fFile);
+      if (!test.fBytes.empty()) library.WithFile(test.fFile, test.fBytes);
     };
     EXPECT_EQ(run.Pack(), test.fEnding);
     EXPECT_TRUE(AlertsAre(run.fAlerts.fShown, test.fAlerts));
     EXPECT_EQ(run.Log(), test.fLog);
-    const std::size_t files = (test.fGoOn ? 1U : 0U) + (test.fLog.empty() ? 0U : 1U);
+    const bool isPacked = run.OutputFiles().contains("Kit.tmb");
+    const std::size_t files = (isPacked ? 1U : 0U) + (test.fLog.empty() ? 0U : 1U);
     EXPECT_EQ(run.OutputFiles().size(), files) << "no working file stays while the packer lives";
-    if (test.fGoOn) {
-      EXPECT_FALSE(run.Packed().contains("Samples/b.wav"));
+    ASSERT_EQ(isPacked, !test.fLog.empty() && test.fGoOn);
+    if (isPacked) {
+      EXPECT_FALSE(run.Packed().contains(test.fFile));
     }
   }
 }
 
 TEST(TambraPacker, AFinishedPackageThatIsDamagedOnDisk) {
-  const struct {
-    std::string fPart;
-    bool fIsHeader;
-  } cases[] = {{"Kit", true}, {std::string("\xFF\xD8\xFF", 3), false}};
-  for (const auto& test : cases) {
+  for (const bool inHeader : {true, false}) {
     CLibrary library;
+    library.WithPatch("Z/Kind.dp01", {{"/Splash.jpg", 1, "", 14}});
     CPackRun run(library);
-    const auto damage = [&] {
-      const auto package = run.Output() / "Kit.tmb";
-      if (!std::filesystem::exists(package)) return;
-      std::string bytes = CPackRun::Bytes(package);
-      const std::size_t place = bytes.find(test.fPart);
-      if (place != bytes.npos) bytes[place] ^= 1;
+    const auto damage = [&](const std::string& part) {
+      std::string bytes = run.PackageBytes();
+      const std::size_t place = bytes.find(part);
+      ASSERT_NE(place, bytes.npos);
+      bytes[place] ^= 1;
       library.Folder().Write("out/Kit.tmb", bytes);
     };
     // The header is read as soon as the phase begins, the entries after it was announced.
-    if (test.fIsHeader) {
+    if (inHeader) {
       run.fProgress.fOnStopCheck = [&, done = false]() mutable {
-        if (!done && std::filesystem::exists(run.Output() / "Kit.tmb")) damage(), done = true;
+        if (done || !run.OutputFiles().contains("Kit.tmb")) return;
+        damage("Kit");
+        done = true;
       };
     } else {
-      run.fProgress.fOnPhase = [&](int phase) { phase == 8 ? damage() : void(); };
+      run.fProgress.fOnPhase = [&](int phase) {
+        if (phase == 8) damage("\xFF\xD8\xFF");
+      };
     }
-    EXPECT_EQ(run.Pack(), test.fIsHeader ? "failed" : "problems");
-    EXPECT_TRUE(AlertsAre(run.fAlerts.fShown, {test.fIsHeader ? "25 “Kit.tmb”" : "7"}));
-    EXPECT_EQ(run.Log(), test.fIsHeader ? CLines{}
-                                        : CLines({"Failed validating:", "    Splash.jpg",
-                                                  "Packing complete"}));
+    EXPECT_EQ(run.Pack(), inHeader ? "failed" : "problems");
+    EXPECT_TRUE(AlertsAre(run.fAlerts.fShown, {inHeader ? "25 “Kit.tmb”" : "7"}));
+    const CLines inEntryOrder = {"Failed validating:", "    Splash.jpg", "    Z/Kind.dp01",
+                                 "Packing complete"};
+    EXPECT_EQ(run.Log(), inHeader ? CLines{} : inEntryOrder);
   }
 }
 
