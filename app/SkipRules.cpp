@@ -1,7 +1,9 @@
 #include "app/SkipRules.h"
 
 #include <algorithm>
+#include <unordered_map>
 #include <unordered_set>
+#include <vector>
 
 namespace NSTambraPacking {
 
@@ -31,16 +33,37 @@ void JudgeProhibitedDevices(CPackJobState& state) {
   }
 }
 
+/// A document that is left out leaves out those that refer to it in turn, in whatever order they
+/// stand.
 void PropagateSkips(CPackJobState& state) {
   if (!state.fOptions.fPropagateSampleSkipping) return;
+  std::unordered_map<std::u16string, std::vector<CJobEntry*>> referrers;  // by what they refer to
+  std::vector<const CJobEntry*> leftOut;
   for (CJobEntry& entry : state.fEntries) {
-    if (!entry.TakesPart()) continue;
-    const bool leads = std::any_of(
-        entry.fReferences.begin(), entry.fReferences.end(),
-        [&state](const CResolvedReference& reference) { return IsLeftOut(state, reference); });
-    if (!leads) continue;
-    entry.fLeftOut = ELeftOut::kPropagation;
-    state.fLists.fSkipped.push_back(entry.fFile.fPath);
+    if (!entry.TakesPart()) {
+      leftOut.push_back(&entry);
+      continue;
+    }
+    for (const CResolvedReference& reference : entry.fReferences) {
+      if (reference.fResolution.IsFound()) {
+        referrers[reference.fResolution.fPath].push_back(&entry);
+      }
+    }
+  }
+  while (!leftOut.empty()) {
+    const auto found = referrers.find(leftOut.back()->fFile.fPath);
+    leftOut.pop_back();
+    if (found == referrers.end()) continue;
+    for (CJobEntry* const entry : found->second) {
+      if (!entry->TakesPart()) continue;
+      entry->fLeftOut = ELeftOut::kPropagation;
+      leftOut.push_back(entry);
+    }
+  }
+  for (const CJobEntry& entry : state.fEntries) {
+    if (entry.fLeftOut == ELeftOut::kPropagation) {
+      state.fLists.fSkipped.push_back(entry.fFile.fPath);
+    }
   }
 }
 

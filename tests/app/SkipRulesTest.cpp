@@ -121,6 +121,20 @@ TEST(SkipRules, LeaveOutAndTellAsTheOptionsSay) {
   }
 }
 
+/// The outcome must not depend on which of the documents comes first.
+TEST(SkipRules, PropagateFromDocumentToDocument) {
+  for (const auto& [outer, inner] :
+       {std::pair("A.dp01", "B.dp01"), std::pair("B.dp01", "A.dp01")}) {
+    CLibrary library;
+    library.WithSample("S/b.wav");
+    library.WithPatch(outer, {{std::string("/") + inner}}).WithPatch(inner, {{"/S/b.wav"}});
+    for (const auto& [key, value] : {kSkipItem, kPropagate}) library.WithInfo(key, value);
+    CPackRun run(library);
+    EXPECT_EQ(run.Pack(), "notes") << outer;
+    EXPECT_EQ(run.Log(), (CLines{kSkippedTitle, "    A.dp01", "    B.dp01", kComplete})) << outer;
+  }
+}
+
 /// What is left out counts as failed, unresolved or external no more, whatever was found in it.
 TEST(SkipRules, ForgetTheFaultsOfWhatIsLeftOut) {
   CLibrary library;
