@@ -1,8 +1,6 @@
 #include "references/VorlinkPatch.h"
 
 #include <algorithm>
-#include <cstdint>
-#include <limits>
 
 #include "Parts/TolbrookPackage/Core/Exception.h"
 
@@ -26,8 +24,9 @@ constexpr const char16_t* kSampleReference = u"SampleReference";
 constexpr std::size_t kReferenceDepth = 2;
 
 std::string ReadText(const NSBigFilePackage::IMedia& media, std::uint64_t length) {
-  if (length > std::numeric_limits<std::size_t>::max() / 2) {
-    throw XFormatViolation("a Vorlink patch does not fit into memory");
+  if (length > kGreatestVorlinkPatch) {
+    throw XFormatViolation("the Vorlink patch has " + std::to_string(length) + " bytes; at most " +
+                           std::to_string(kGreatestVorlinkPatch) + " can be read");
   }
   std::string text(static_cast<std::size_t>(length), '\0');
   NSBigFilePackage::ReadExactly(

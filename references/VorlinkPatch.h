@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
@@ -12,6 +13,9 @@
 #include "references/XMLElement.h"
 
 namespace NSTambraPacking {
+
+/// The greatest patch that is taken into memory, in bytes.
+inline constexpr std::uint64_t kGreatestVorlinkPatch = std::uint64_t{64} << 20;
 
 /// The device identifier must end within so many bytes of a patch's start.
 inline constexpr std::size_t kVorlinkHeadLength = 1024;
@@ -29,7 +33,7 @@ std::u16string ReadVorlinkDeviceIdentifier(const NSBigFilePackage::IMedia& media
 class CVorlinkPatch {
  public:
   /// Reads all of a patch. Throws XFormatViolation and XVersionTooNew as ReadXML and
-  /// CSampleReference::Parse, and for a root that is no "Patch".
+  /// CSampleReference::Parse, for a root that is no "Patch", and above kGreatestVorlinkPatch.
   explicit CVorlinkPatch(const NSBigFilePackage::IMedia& media);
   explicit CVorlinkPatch(std::string text);
 

@@ -3,6 +3,7 @@
 
 #include "Parts/TolbrookPackage/Core/Exception.h"
 
+#include "package/MemoryMedia.h"
 #include "references/VorlinkPatch.h"
 #include "tests/support/DocumentBuilder.h"
 #include "tests/support/FaultText.h"
@@ -57,6 +58,14 @@ TEST(VorlinkPatch, OnlyTheReferencesAreReplaced) {
 
 TEST(VorlinkPatch, ARootOfAnotherNameIsRefused) {
   EXPECT_THROW(CVorlinkPatch(std::string("<patch deviceID='a'/>")), XFormatViolation);
+}
+
+/// A file with holes takes no room on a disk, but all of its size in memory.
+TEST(VorlinkPatch, AHugeFileIsRefused) {
+  NSBigFilePackage::CMemoryMedia media;
+  media.SetSize(kGreatestVorlinkPatch + 1);
+  EXPECT_EQ(NSTest::FaultText<XFormatViolation>([&] { CVorlinkPatch patch(media); }),
+            "the Vorlink patch has 67108865 bytes; at most 67108864 can be read");
 }
 
 }  // namespace
