@@ -73,6 +73,11 @@ void WriteTextField(CMediaCursor& output, std::u16string_view text) {
 std::u16string ReadTextField(CMediaCursor& input) {
   const std::uint32_t count = ReadU32(input);
   RequireBytes(input, count);
+  if (count > kGreatestTextField) {
+    throw XFormatViolation("a text of the package has " + std::to_string(count) +
+                           " bytes; at most " + std::to_string(kGreatestTextField) +
+                           " can be read");
+  }
   std::string bytes(count, '\0');
   input.ReadExactly({reinterpret_cast<std::uint8_t*>(bytes.data()), bytes.size()});
   return DecodePackageText(bytes);

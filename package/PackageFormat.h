@@ -18,6 +18,10 @@ inline constexpr NSTolbrook::CFormatVersion kSupportedPackageVersion{1, 2, 0};
 /// The greatest count, offset or size that a package can hold: its fields have 32 bits.
 inline constexpr std::uint64_t kPackageLimit = 0xFFFFFFFF;
 
+/// The greatest text field that is read, in bytes; far more than any package needs. A file with
+/// holes may seem to hold gigabytes of text.
+inline constexpr std::uint32_t kGreatestTextField = std::uint32_t{16} << 20;
+
 /// Bytes of buffer with which a package is read from its start.
 inline constexpr std::size_t kPackageBufferLength = 16384;
 
@@ -46,7 +50,7 @@ std::u16string DecodePackageText(std::string_view bytes);
 void WriteTextField(NSBigFilePackage::CMediaCursor& output, std::u16string_view text);
 
 /// Reads a text field. Throws XFormatViolation when the media ends before the field does (asked
-/// before memory is taken) and as DecodePackageText.
+/// before memory is taken), for a field above kGreatestTextField, and as DecodePackageText.
 std::u16string ReadTextField(NSBigFilePackage::CMediaCursor& input);
 
 void WriteU32(NSBigFilePackage::CMediaCursor& output, std::uint32_t value);

@@ -84,7 +84,6 @@ std::vector<std::shared_ptr<CPackageEntry>> CPackageReader::ReadEntries() const 
   CPartialMedia upToIndexEnd(fBuffered, 0, regions.fIndexEnd);
   CMediaCursor cursor(upToIndexEnd, fHeader.fIndexStart);
   std::vector<std::shared_ptr<CPackageEntry>> entries;
-  entries.reserve(fHeader.fFileCount);
   for (std::uint32_t i = 0; i < fHeader.fFileCount; ++i) {
     CIndexEntry entry = ReadIndexEntry(cursor);
     CheckInsideData(entry.fOffset, entry.fSize, regions.fDataEnd - dataStart, entry.fName);

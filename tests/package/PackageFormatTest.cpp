@@ -63,6 +63,19 @@ TEST(PackageFormatTest, LimitsAndVersionsAreCheckedAtTheirEdge) {
   EXPECT_EQ(FitPackageLimit(0xFFFFFFFF, "it"), 0xFFFFFFFFu);
   EXPECT_THROW(FitPackageLimit(0x100000000, "it"), NSMordel::XOutOfSpace);
 
+  CMemoryMedia zeros;
+  zeros.SetSize(4 + kGreatestTextField + 1);
+  for (const std::uint32_t excess : {0u, 1u}) {
+    CMediaCursor cursor(zeros);
+    WriteU32(cursor, kGreatestTextField + excess);
+    cursor.SetPosition(0);
+    if (excess == 0) {
+      EXPECT_EQ(ReadTextField(cursor).size(), kGreatestTextField);
+    } else {
+      EXPECT_THROW(ReadTextField(cursor), NSMordel::XFormatViolation);
+    }
+  }
+
   CheckPackageVersion({1, 2, 0});
   CheckPackageVersion({1, 2, 0, 3, 900});
   CheckPackageVersion({1, 1, 900});
