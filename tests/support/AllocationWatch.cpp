@@ -16,6 +16,12 @@ void* operator new(std::size_t size) {
   throw std::bad_alloc();
 }
 
+// A sanitizer's own would not match the delete below.
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  gLargestAllocation = std::max(gLargestAllocation, size);
+  return std::malloc(std::max<std::size_t>(size, 1));
+}
+
 void operator delete(void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
