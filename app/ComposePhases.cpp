@@ -48,6 +48,7 @@ void ComposePackage(const CPhaseContext& context) {
   state.fHeader = composer.Compose(state.fPackageEntries, *file.Media());
   context.Report(7).CheckStop();
   file.CommitAs(state.fOutputFile.Path());
+  state.fPackageWritten = true;
   state.fInformation.fFileCount = state.fHeader.fFileCount;
 }
 

@@ -87,6 +87,8 @@ struct CPackJobState {
   std::shared_ptr<NSBigFilePackage::CBlockStore> fStore;
   /// What goes into the package, information files among it for their texts.
   std::vector<std::shared_ptr<CPackageEntry>> fPackageEntries;
+  /// True once the package file has its name, verified or not.
+  bool fPackageWritten = false;
   /// The header as the composer wrote it.
   CPackageHeader fHeader;
 

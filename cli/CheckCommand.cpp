@@ -35,8 +35,10 @@ int CCheckCommand::Run(const CGlobalOptions& options) {
   const NSTambraPacking::CPackJobState* const state = session.Packer().State();
   if (state == nullptr) return status;
   const CConsole& console = session.Console();
-  PrintFindings(console, session.Texts(), *state);
-  NoteRemarks(console, session.Texts(), *state);
+  if (status == kExitDone || status == kExitAborted) {  // else nothing was found out to the end
+    PrintFindings(console, session.Texts(), *state);
+    NoteRemarks(console, session.Texts(), *state);
+  }
   const auto files =
       static_cast<std::size_t>(std::count_if(state->fEntries.begin(), state->fEntries.end(),
                                              [](const auto& entry) { return entry.TakesPart(); }));

@@ -112,18 +112,22 @@ void PrintFindings(const CConsole& console, const CTextResources& texts,
   for (const std::u16string& file : lists.fUnreferenced) findings.Add(file, {});
 }
 
+void NoteReasons(const CConsole& console, const CTextResources& texts, const CPackJobState& state) {
+  for (const CJobEntry& entry : state.fEntries) {
+    if (entry.fReason.empty()) continue;
+    if (console.Json()) {
+      console.PrintJson({{"event", "reason"},
+                         {"file", Utf8FromText(entry.fFile.fPath)},
+                         {"message", entry.fReason}});
+    } else {
+      console.Note(Printable(texts.Text(
+          kFailureDetail, {entry.fFile.fPath, NSTolbrook::TextFromUtf8(entry.fReason)})));
+    }
+  }
+}
+
 void NoteRemarks(const CConsole& console, const CTextResources& texts, const CPackJobState& state) {
   for (const CJobEntry& entry : state.fEntries) {
-    if (!entry.fReason.empty()) {
-      if (console.Json()) {
-        console.PrintJson({{"event", "reason"},
-                           {"file", Utf8FromText(entry.fFile.fPath)},
-                           {"message", entry.fReason}});
-      } else {
-        console.Note(Printable(texts.Text(
-            kFailureDetail, {entry.fFile.fPath, NSTolbrook::TextFromUtf8(entry.fReason)})));
-      }
-    }
     for (const ERemark remark : entry.fRemarks) {
       const auto [number, name] = TextOf(remark);
       if (console.Json()) {

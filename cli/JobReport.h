@@ -11,8 +11,12 @@ namespace NSTambraCli {
 void PrintFindings(const CConsole& console, const NSTambraPacking::CTextResources& texts,
                    const NSTambraPacking::CPackJobState& state);
 
-/// What is worth knowing about files that were accepted, and why files failed or were left out: on
-/// standard error, or as JSON events ("remark", "reason").
+/// Why files failed or were left out: on standard error, or as JSON events ("reason").
+void NoteReasons(const CConsole& console, const NSTambraPacking::CTextResources& texts,
+                 const NSTambraPacking::CPackJobState& state);
+
+/// What is worth knowing about files that were accepted: on standard error, or as JSON events
+/// ("remark").
 void NoteRemarks(const CConsole& console, const NSTambraPacking::CTextResources& texts,
                  const NSTambraPacking::CPackJobState& state);
 

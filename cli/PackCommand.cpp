@@ -33,14 +33,15 @@ void ReportFiles(CJobSession& session, const char* ending, EExitStatus status) {
   const std::string log = state != nullptr && state->fLogFile
                               ? NSTolbrook::DisplayText(state->fLogFile->Path())
                               : std::string();
-  const bool isPacked = status == kExitDone || status == kExitProblems;
+  // A run that is stopped while it reads the package back leaves it, too, and has to say so.
+  const bool isWritten = state != nullptr && state->fPackageWritten;
   const std::string package =
-      isPacked ? NSTolbrook::DisplayText(state->fOutputFile.Path()) : std::string();
+      isWritten ? NSTolbrook::DisplayText(state->fOutputFile.Path()) : std::string();
   const CConsole& console = session.Console();
   if (console.Json()) {
     nlohmann::ordered_json event = {{"event", "result"}, {"ending", ending}, {"status", status}};
-    if (isPacked) event["package"] = package;
-    if (isPacked) event["files"] = state->fInformation.fFileCount;
+    if (isWritten) event["package"] = package;
+    if (isWritten) event["files"] = state->fInformation.fFileCount;
     if (!log.empty()) event["log"] = log;
     console.PrintJson(event);
     return;
@@ -100,6 +101,7 @@ int CPackCommand::Run(const CGlobalOptions& options) {
     return packed == EPackEnding::kProblems ? kExitProblems : kExitDone;
   });
   if (const auto* const state = session.Packer().State()) {
+    NoteReasons(session.Console(), session.Texts(), *state);
     NoteRemarks(session.Console(), session.Texts(), *state);
   }
   ReportFiles(session, ending == nullptr ? StatusName(status) : ending, status);
