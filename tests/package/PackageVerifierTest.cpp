@@ -159,7 +159,7 @@ TEST_F(PackageVerifierTest, BrokenMediumIsToldFromAnEntryThatEndsTooEarly) {
   EXPECT_EQ(VerifyWith(readTooFar).fFailed.size(), 3u);
 
   const auto medium = std::make_shared<NSTest::CFailingMedia>(fPackage);
-  const CScriptedVerifier swallowing([&](const CPackageEntry& entry) {
+  CScriptedVerifier swallowing([&](const CPackageEntry& entry) {
     medium->SetReadBudget(0);
     EXPECT_THROW(NSTest::TextOf(*entry.Data()), NSMordel::XRead);
     return std::vector<std::u16string>();
