@@ -35,6 +35,10 @@ void VerifyPackage(const CPhaseContext& context) {
   const CVerificationResult result = verifier.Verify(package, options);
   for (const CFailedEntry& failed : result.fFailed) {
     state.fLists.fFailed.push_back(failed.fEntry->Path());
+    const auto source = state.fEntryOfPath.find(failed.fEntry->Path());
+    if (source != state.fEntryOfPath.end()) {
+      state.fEntries[source->second].fReason = failed.fMessage;
+    }
   }
   SortByEntry(state, state.fLists.fFailed);
   for (const CBrokenEntry& broken : result.fBroken) {
