@@ -114,13 +114,15 @@ void CTambraPacker::PrepareOutput() {
   const std::u16string name = fState->fInformation.OutputFileName();
   CheckOutputFolder(fState->fSettings.fInputFolder.Path(), folder);
   fState->fOutputFile = fState->fSettings.fOutputFolder.Child(name);
+  NSTolbrook::MakeFolders(folder);
+  NSBigFilePackage::CTemporaryFile::RemoveLeftovers(folder);
+  // A folder that cannot be written to is found out before anything in it is replaced.
+  { const NSBigFilePackage::CTemporaryFile probe(folder); }
   const NSTolbrook::NativePath& file = fState->fOutputFile.Path();
   if (NSTolbrook::FileStatus(file, false).fKind != NSTolbrook::EFileKind::kMissing) {
     if (!Ask(kAlertReplace, {name})) throw NSMordel::XSilentAbort();
     NSTolbrook::RemoveFile(file);
   }
-  NSTolbrook::MakeFolders(folder);
-  NSBigFilePackage::CTemporaryFile::RemoveLeftovers(folder);
 }
 
 void CTambraPacker::RunPhases(std::span<const CPhase> phases, CTambraPackProgress& progress) {

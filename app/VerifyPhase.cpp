@@ -9,6 +9,7 @@
 #include "app/SkipRules.h"
 #include "filetypes/FileTypeRegistry.h"
 #include "references/StandardReferenceResolver.h"
+#include "references/XMLReader.h"
 
 namespace NSTambraPacking {
 
@@ -21,6 +22,14 @@ struct CVerdict {
   bool fFailed = false;
   std::string fReason;
 };
+
+/// What is wrong with the file, with the place in its XML text where there is one.
+std::string ReasonOf(const std::exception& failure) {
+  const auto* const body = dynamic_cast<const NSMordel::CExceptionBodyMixin*>(&failure);
+  const std::string* const detail =
+      body == nullptr ? nullptr : body->FindContext(NSTolbrook::kXMLMessage);
+  return detail == nullptr ? failure.what() : failure.what() + (": " + *detail);
+}
 
 class CVerifyPhase {
  public:
@@ -90,7 +99,7 @@ class CVerifyPhase {
       throw;
     } catch (const std::exception& e) {
       verdict.fFailed = true;
-      verdict.fReason = e.what();
+      verdict.fReason = ReasonOf(e);
     }
   }
 

@@ -1,5 +1,7 @@
 #include "filetypes/GroovePatchProcessor.h"
 
+#include "Parts/TolbrookPackage/Core/Text.h"
+
 #include "filetypes/CopyPacker.h"
 #include "filetypes/DocumentText.h"
 #include "references/XMLReader.h"
@@ -17,8 +19,9 @@ class CGroovePatchFileTypeProcessor : public IFileTypePacker, public IFileTypeVe
     CopyToEntry(source, destination, context);
   }
 
-  void Verify(const NSBigFilePackage::SharedMedia& source, CVerifyContext&) const override {
-    NSTolbrook::ReadXML(ReadDocumentText(*source), "groove patch");
+  void Verify(const NSBigFilePackage::SharedMedia& source, CVerifyContext& context) const override {
+    NSTolbrook::LoadXMLDocument(ReadDocumentText(*source), "groove patch",
+                                NSTolbrook::Utf8FromText(context.fPath));
   }
 };
 

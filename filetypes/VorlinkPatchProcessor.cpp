@@ -3,6 +3,7 @@
 #include <span>
 
 #include "Parts/TolbrookPackage/Core/Exception.h"
+#include "Parts/TolbrookPackage/Core/Text.h"
 
 #include "filetypes/DocumentReferences.h"
 #include "filetypes/ProhibitedDevices.h"
@@ -23,7 +24,7 @@ class CVorlinkDevicePatchProcessor : public IFileTypePacker, public IFileTypeVer
             CPackContext& context) const override {
     const NSBigFilePackage::SharedMedia input = OpenSource(source);
     if (input == nullptr) throw NSMordel::XOpen();
-    const CVorlinkPatch patch(*input);
+    const CVorlinkPatch patch(*input, NSTolbrook::Utf8FromText(context.fPath));
     const std::string text =
         patch.Rewritten(RelocateReferences(KindedReferences(patch.References()), context));
     destination.Write(0, {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
@@ -31,7 +32,8 @@ class CVorlinkDevicePatchProcessor : public IFileTypePacker, public IFileTypeVer
 
   void Verify(const NSBigFilePackage::SharedMedia& source, CVerifyContext& context) const override {
     TestProhibitedDevice(ReadVorlinkDeviceIdentifier(*source), context);
-    ResolveReferences(KindedReferences(CVorlinkPatch(*source).References()), context);
+    const CVorlinkPatch patch(*source, NSTolbrook::Utf8FromText(context.fPath));
+    ResolveReferences(KindedReferences(patch.References()), context);
   }
 
  private:

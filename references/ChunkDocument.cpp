@@ -144,7 +144,9 @@ void CChunkDocument::ReadDescription(const std::vector<CLevel>& levels, EChunkDo
     CSF10DevicePatchDescriptionChunk body;
     ReadBody(body, level.fReader, level.fCurrent);
     fDeviceNames.push_back(body.Description().fName);
-  } else if (level.fGroup.fCode == kDeviceGroupType) {
+  } else if (std::any_of(levels.begin(), levels.end(), [](const CLevel& outer) {
+               return outer.fGroup.fCode == kDeviceGroupType;
+             })) {
     CSF10DeviceDescriptionChunk body;
     ReadBody(body, level.fReader, level.fCurrent);
     fDeviceNames.push_back(body.Description().fName);

@@ -17,7 +17,8 @@ namespace NSTambraPacking {
 enum class EChunkDocumentKind {
   /// Its device is described by the first "DESC" chunk directly in the outer group.
   kPatch,
-  /// Each "DESC" chunk directly in a group of type "DEVL" describes a device that it uses.
+  /// Each "DESC" chunk inside a group of type "DEVL", at any depth, describes a device that it
+  /// uses.
   kSong
 };
 

@@ -52,13 +52,15 @@ std::u16string ReadVorlinkDeviceIdentifier(const NSBigFilePackage::IMedia& media
   return identifier;
 }
 
-CVorlinkPatch::CVorlinkPatch(const NSBigFilePackage::IMedia& media)
-    : CVorlinkPatch(ReadText(media, media.Size())) {}
+CVorlinkPatch::CVorlinkPatch(const NSBigFilePackage::IMedia& media, const std::string& name)
+    : CVorlinkPatch(ReadText(media, media.Size()), name) {}
 
-CVorlinkPatch::CVorlinkPatch(std::string text) : fText(std::move(text)) { ReadReferences(); }
+CVorlinkPatch::CVorlinkPatch(std::string text, const std::string& name) : fText(std::move(text)) {
+  ReadReferences(name);
+}
 
-void CVorlinkPatch::ReadReferences() {
-  const std::shared_ptr<CXMLElement> root = NSTolbrook::ReadXML(fText, "Vorlink patch");
+void CVorlinkPatch::ReadReferences(const std::string& name) {
+  const auto root = NSTolbrook::LoadXMLDocument(fText, "Vorlink patch", name);
   if (root->Name() != kPatch) {
     throw XFormatViolation("the root element of a Vorlink patch must be \"Patch\"");
   }

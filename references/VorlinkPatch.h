@@ -32,10 +32,12 @@ std::u16string ReadVorlinkDeviceIdentifier(const NSBigFilePackage::IMedia& media
 /// "SampleReference" elements.
 class CVorlinkPatch {
  public:
-  /// Reads all of a patch. Throws XFormatViolation and XVersionTooNew as ReadXML and
-  /// CSampleReference::Parse, for a root that is no "Patch", and above kGreatestVorlinkPatch.
-  explicit CVorlinkPatch(const NSBigFilePackage::IMedia& media);
-  explicit CVorlinkPatch(std::string text);
+  /// Reads all of the patch that faults call `name`. Throws XFormatViolation, XVersionTooNew as
+  /// LoadXMLDocument, CSampleReference::Parse, for a root that is no "Patch", and above
+  /// kGreatestVorlinkPatch.
+  explicit CVorlinkPatch(const NSBigFilePackage::IMedia& media,
+                         const std::string& name = "Vorlink patch");
+  explicit CVorlinkPatch(std::string text, const std::string& name = "Vorlink patch");
 
   /// In the order of the document.
   const std::vector<CSampleReference>& References() const { return fReferences; }
@@ -45,7 +47,7 @@ class CVorlinkPatch {
   std::string Rewritten(std::span<const CSampleReference> replacements) const;
 
  private:
-  void ReadReferences();
+  void ReadReferences(const std::string& name);
 
   std::string fText;
   std::vector<CSampleReference> fReferences;

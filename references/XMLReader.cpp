@@ -387,7 +387,7 @@ std::shared_ptr<CXMLElement> LoadXMLDocument(std::string_view text, const std::s
   } catch (const XFormatViolation& fault) {
     if (fault.FindContext(kXMLError) == nullptr) throw;
     CContext context = fault.Context();
-    context.emplace_back("xml_message", fault.Message());
+    context.emplace_back(kXMLMessage, fault.Message());
     throw XFormatViolation("Format error in " + name, std::move(context));
   }
 }

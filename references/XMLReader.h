@@ -18,6 +18,8 @@ namespace NSTolbrook {
 inline constexpr const char* kXMLFormat = "xml_format";
 inline constexpr const char* kXMLLineNumber = "line_number";
 inline constexpr const char* kXMLError = "xml_error";
+/// The fault's own text, where the message names the document instead.
+inline constexpr const char* kXMLMessage = "xml_message";
 inline constexpr const char* kXMLExpectedCharacter = "expected_character";
 inline constexpr const char* kXMLOffendingCharacter = "offending_character";
 
@@ -36,7 +38,7 @@ inline constexpr const char* kXMLTagMismatchError = "tag_mismatch_error";
 std::shared_ptr<CXMLElement> ReadXML(std::string_view text, const std::string& kind = "document");
 
 /// As ReadXML, for a document that has a name: a fault of the text becomes "Format error in " +
-/// `name`, with the context values of the fault and its own text as "xml_message".
+/// `name`, with the context values of the fault and its own text as kXMLMessage.
 std::shared_ptr<CXMLElement> LoadXMLDocument(std::string_view text, const std::string& kind,
                                              const std::string& name);
 
