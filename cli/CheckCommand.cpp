@@ -18,6 +18,7 @@ CLI::App* CCheckCommand::Register(CLI::App& program) {
   command->add_option("--jobs", fJobs, "Threads that verify (default: all cores)")
       ->type_name("N")
       ->check(CLI::Range(1U, 1024U));
+  command->footer("Example:\n  tambra check Library");
   return command;
 }
 

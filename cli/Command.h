@@ -28,6 +28,8 @@ class ICommand {
   virtual CLI::App* Register(CLI::App& program) = 0;
   /// Does the work; returns the exit status. Failures that are thrown are shown by the caller.
   virtual int Run(const CGlobalOptions& options) = 0;
+  /// The file that a failure is about when it names none itself; may be empty.
+  virtual std::string Subject() const { return {}; }
 };
 
 /// A path as the command line gives it (UTF-8).

@@ -42,30 +42,49 @@ void AddGlobalOptions(CLI::App& command, CGlobalOptions& options) {
       ->type_name("FILE");
 }
 
-/// Shows a failure that left a command: by the alert of its kind, and by its own words.
-int ShowFailure(const CGlobalOptions& options) {
+/// Shows a failure that left a command: by its own words, without them by the alert of its kind.
+void ShowFailure(const CConsole& console, const std::string& subject) {
   const std::exception_ptr failure = std::current_exception();
-  const CConsole console = options.Console();
   try {
     const NSTambraPacking::CTextResources texts;
+    if (ReportDetail(console, texts, failure, subject)) return;
     CConsoleAlertPresenter presenter(console, {}, false);
     NSTambraPacking::CExceptionResponder(texts, presenter).Respond(failure);
-    ReportDetail(console, texts, failure);
+  } catch (const XOutputClosed&) {
+    return;
   } catch (const std::exception& e) {
     console.Warn(e.what());
   }
-  return kExitFailed;
 }
 
 int RunCommand(ICommand& command, const CGlobalOptions& options) {
+  const CConsole console = options.Console();
   try {
     const int status = command.Run(options);
-    if (std::fflush(stdout) != 0) return kExitFailed;
+    console.Flush();
     return status;
+  } catch (const XOutputClosed&) {
+    return kExitFailed;
   } catch (...) {
-    return ShowFailure(options);
+    ShowFailure(console, command.Subject());
+    return kExitFailed;
   }
 }
+
+/// Throws when the first argument is no command; the parser would ask for one as if it were
+/// missing.
+void CheckCommandName(const CLI::App& program, const std::vector<std::string>& arguments) {
+  if (arguments.empty() || arguments.front().starts_with('-')) return;
+  for (const CLI::App* const command : program.get_subcommands({})) {
+    if (command->get_name() == arguments.front()) return;
+  }
+  throw CLI::ParseError("\"" + arguments.front() + "\" is no command", CLI::ExitCodes::ExtrasError);
+}
+
+constexpr const char* kStatusHelp =
+    "Exit status: 0 done, 1 finished with problems, 2 wrong usage, 3 a test or a question ended\n"
+    "the run or the check failed, 4 an error or a damaged package, 130 stopped.\n"
+    "\"tambra COMMAND --help\" tells more about a command.";
 
 }  // namespace
 
@@ -80,6 +99,7 @@ int RunTambra(const std::vector<std::string>& arguments) {
   CLI::App program("Turns a content library into one package file.", "tambra");
   program.set_version_flag("--version", TAMBRA_VERSION);
   program.require_subcommand(1);
+  program.footer(kStatusHelp);
   std::vector<std::pair<std::unique_ptr<ICommand>, CLI::App*>> commands;
   for (auto& command : MakeCommands()) {
     CLI::App* const app = command->Register(program);
@@ -87,6 +107,7 @@ int RunTambra(const std::vector<std::string>& arguments) {
     commands.emplace_back(std::move(command), app);
   }
   try {
+    CheckCommandName(program, arguments);
     std::vector<std::string> reversed(arguments.rbegin(), arguments.rend());
     program.parse(std::move(reversed));
   } catch (const CLI::ParseError& e) {

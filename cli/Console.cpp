@@ -1,11 +1,12 @@
 #include "cli/Console.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <nlohmann/json.hpp>
 #include <utf8proc.h>
 
-#include "Parts/TolbrookPackage/Core/Exception.h"
 #include "Parts/TolbrookPackage/Core/Text.h"
 
 namespace NSTambraCli {
@@ -15,10 +16,23 @@ namespace {
 constexpr char16_t kReplacement = 0xFFFD;
 constexpr std::u16string_view kCut = u"…";
 
+[[noreturn]] void ThrowWriteFault() {
+  const int error = errno;
+  // Only the user's interrupt comes in between.
+  if (error == EINTR) throw NSMordel::XSilentAbort("User aborted");
+  if (error == EPIPE) throw XOutputClosed("standard output was closed");
+  throw NSMordel::XWrite(std::string("cannot write to standard output: ") + std::strerror(error));
+}
+
+bool IsControl(char16_t unit) {
+  return unit < 0x20 || (unit >= 0x7F && unit < 0xA0) || (unit >= 0x2028 && unit <= 0x202E) ||
+         (unit >= 0x2066 && unit <= 0x2069);
+}
+
 void WriteLine(std::FILE* stream, std::string_view line) {
   const bool written = std::fwrite(line.data(), 1, line.size(), stream) == line.size() &&
                        std::fputc('\n', stream) != EOF;
-  if (!written) throw NSMordel::XWrite("standard output takes no more");
+  if (!written) ThrowWriteFault();
 }
 
 /// The code point at `index`, which moves on behind it.
@@ -46,7 +60,11 @@ void CConsole::Print(std::string_view line) const { WriteLine(stdout, line); }
 
 void CConsole::PrintJson(const nlohmann::ordered_json& value) const {
   Print(value.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace));
-  if (std::fflush(stdout) != 0) throw NSMordel::XWrite("standard output takes no more");
+  Flush();
+}
+
+void CConsole::Flush() const {
+  if (std::fflush(stdout) != 0) ThrowWriteFault();
 }
 
 void CConsole::Note(std::string_view line) const {
@@ -61,9 +79,7 @@ void CConsole::Warn(std::string_view line) const {
 
 std::string Printable(std::u16string_view text) {
   std::u16string shown(text);
-  std::replace_if(
-      shown.begin(), shown.end(),
-      [](char16_t unit) { return unit < 0x20 || (unit >= 0x7F && unit < 0xA0); }, kReplacement);
+  std::replace_if(shown.begin(), shown.end(), IsControl, kReplacement);
   return NSTolbrook::Utf8FromText(shown);
 }
 

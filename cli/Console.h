@@ -6,7 +6,14 @@
 #include <string_view>
 #include <vector>
 
+#include "Parts/TolbrookPackage/Core/Exception.h"
+
 namespace NSTambraCli {
+
+/// Standard output is a pipe that nobody reads any more: no fault worth a word.
+class XOutputClosed : public NSMordel::XWrite {
+  using XWrite::XWrite;
+};
 
 /// Where the program's output goes: data to standard output, everything else to standard error.
 /// Text from files can hold anything; Printable makes it harmless for a terminal.
@@ -17,10 +24,13 @@ class CConsole {
   bool Json() const { return fJson; }
   bool Quiet() const { return fQuiet; }
 
-  /// A line of data. Throws XWrite when standard output takes no more (a closed pipe, a full disk).
+  /// A line of data. Throws XWrite when standard output takes no more, of these XOutputClosed for
+  /// a closed pipe; what is still buffered fails in Flush. Throws XSilentAbort when the user's
+  /// interrupt came while a full pipe held the line up.
   void Print(std::string_view line) const;
-  /// One JSON value on a line of its own.
+  /// One JSON value on a line of its own, written at once.
   void PrintJson(const nlohmann::ordered_json& value) const;
+  void Flush() const;
   /// A line for the user on standard error; nothing when quiet.
   void Note(std::string_view line) const;
   /// As Note, even when quiet: what went wrong, and questions.
@@ -31,7 +41,8 @@ class CConsole {
   bool fQuiet;
 };
 
-/// UTF-8 of `text` with every control character shown as U+FFFD, line ends included.
+/// UTF-8 of `text` with U+FFFD for every control character, line ends included, and for those that
+/// turn the direction of what follows.
 std::string Printable(std::u16string_view text);
 
 /// The lines of `text` as Printable shows them, without their line ends; at least one.

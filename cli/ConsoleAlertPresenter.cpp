@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <iostream>
 #include <nlohmann/json.hpp>
 
 #include "Parts/TolbrookPackage/Core/Exception.h"
 #include "Parts/TolbrookPackage/Core/Text.h"
 
 #include "cli/StopSignal.h"
+#include "cli/Terminal.h"
 
 namespace NSTambraCli {
 
@@ -74,6 +74,11 @@ void AddAnswer(CPreparedAnswers& answers, std::string_view pair) {
     throw NSMordel::XFormatViolation("\"" + std::string(pair) +
                                      "\" is no answer; write ALERT=BUTTON, such as 20=Replace");
   }
+  if (std::none_of(kQuestions.begin(), kQuestions.end(),
+                   [&](const CAlertNumber& question) { return question.fEntry == number; })) {
+    throw NSMordel::XFormatViolation("alert " + std::to_string(number) +
+                                     " asks nothing; 10, 18, 20, 21 and 23 do");
+  }
   answers.fAnswers[number] = NSTolbrook::TextFromUtf8(pair.substr(equals + 1));
 }
 
@@ -115,14 +120,14 @@ int CConsoleAlertPresenter::Ask(const CAlertText& alert) const {
                  Printable(alert.fButtons[index]);
     }
     fConsole.Warn(choices);
-    std::string line;
-    if (!std::getline(std::cin, line)) {
+    const std::optional<std::string> line = ReadLine(CStopSignal::Requested);
+    if (!line) {
       if (CStopSignal::Requested()) throw NSMordel::XSilentAbort("User aborted");
       return NSTambraPacking::kButtonBefore;
     }
-    if (const auto answer = AnswerOfLabel(alert, NSTolbrook::TextFromUtf8(line))) return *answer;
+    if (const auto answer = AnswerOfLabel(alert, NSTolbrook::TextFromUtf8(*line))) return *answer;
     std::size_t number = 0;
-    const auto parsed = std::from_chars(line.data(), line.data() + line.size(), number);
+    const auto parsed = std::from_chars(line->data(), line->data() + line->size(), number);
     if (parsed.ec == std::errc{} && number >= 1 && number <= alert.fButtons.size()) {
       return alert.Answer(number - 1);
     }

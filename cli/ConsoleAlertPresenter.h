@@ -19,7 +19,8 @@ struct CPreparedAnswers {
   bool fYes = false;  ///< the last-listed button for every question without its own answer
 };
 
-/// Parses "ALERT=BUTTON" into `answers`. Throws XFormatViolation when it is no such pair.
+/// Parses "ALERT=BUTTON" into `answers`. Throws XFormatViolation when it is no such pair or the
+/// alert is none that asks.
 void AddAnswer(CPreparedAnswers& answers, std::string_view pair);
 
 /// Shows alerts as lines of text. Questions are asked on a terminal; elsewhere they are answered

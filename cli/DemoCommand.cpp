@@ -15,6 +15,7 @@ CLI::App* CDemoCommand::Register(CLI::App& program) {
       program.add_subcommand("demo", "Write a small content library to try the packer on");
   command->add_option("FOLDER", fFolder, "A folder that does not exist yet or is empty")
       ->required();
+  command->footer("Example:\n  tambra demo Library && tambra pack Library Packages");
   return command;
 }
 

@@ -1,5 +1,6 @@
 #include "cli/FailureReport.h"
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "Parts/TolbrookPackage/Core/Exception.h"
@@ -28,23 +29,30 @@ CDetail DetailOf(const std::exception_ptr& failure) {
 
 }  // namespace
 
-void ReportDetail(const CConsole& console, const NSTambraPacking::CTextResources& texts,
-                  const std::exception_ptr& failure) {
-  const CDetail detail = DetailOf(failure);
+bool ReportDetail(const CConsole& console, const NSTambraPacking::CTextResources& texts,
+                  const std::exception_ptr& failure, const std::string& subject) {
+  CDetail detail = DetailOf(failure);
+  if (detail.fMessage.empty()) return false;
+  const bool isNamed =
+      std::any_of(detail.fContext.begin(), detail.fContext.end(),
+                  [](const auto& value) { return value.first == NSMordel::kTargetObjectId; });
+  if (!isNamed && !subject.empty()) {
+    detail.fContext.emplace_back(NSMordel::kTargetObjectId, subject);
+  }
   if (console.Json()) {
     nlohmann::ordered_json event = {{"event", "failure"}, {"message", detail.fMessage}};
     for (const auto& [key, value] : detail.fContext) event["context"][key] = value;
     console.PrintJson(event);
-    return;
+    return true;
   }
   std::u16string object;
   for (const auto& [key, value] : detail.fContext) {
     if (key == NSMordel::kTargetObjectId) object = NSTolbrook::TextFromUtf8(value);
   }
   const std::u16string message = NSTolbrook::TextFromUtf8(detail.fMessage);
-  if (message.empty()) return;
   console.Warn(Printable(
       object.empty() ? message : texts.Text(NSTambraPacking::kFailureDetail, {object, message})));
+  return true;
 }
 
 }  // namespace NSTambraCli

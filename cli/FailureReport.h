@@ -1,14 +1,16 @@
 #pragma once
 
 #include <exception>
+#include <string>
 
 #include "app/TextResources.h"
 #include "cli/Console.h"
 
 namespace NSTambraCli {
 
-/// The failure's own message and the object that it names: on standard error, or as a JSON event.
-void ReportDetail(const CConsole& console, const NSTambraPacking::CTextResources& texts,
-                  const std::exception_ptr& failure);
+/// The failure's own message and the object that it names, `subject` when it names none: a line on
+/// standard error, or a JSON event. Nothing without a message; returns whether there was one.
+bool ReportDetail(const CConsole& console, const NSTambraPacking::CTextResources& texts,
+                  const std::exception_ptr& failure, const std::string& subject = {});
 
 }  // namespace NSTambraCli

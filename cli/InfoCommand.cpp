@@ -57,6 +57,7 @@ void PrintLines(const CConsole& console, const NSTambraPacking::CTextResources& 
 CLI::App* CInfoCommand::Register(CLI::App& program) {
   CLI::App* const command = program.add_subcommand("info", "Show what a package says about itself");
   command->add_option("FILE", fFile, "The package")->required();
+  command->footer("Example:\n  tambra info Packages/Library.tmb");
   return command;
 }
 

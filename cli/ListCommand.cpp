@@ -59,6 +59,7 @@ void PrintTable(const CConsole& console, const NSTambraPacking::CTextResources& 
 CLI::App* CListCommand::Register(CLI::App& program) {
   CLI::App* const command = program.add_subcommand("list", "List the entries of a package");
   command->add_option("FILE", fFile, "The package")->required();
+  command->footer("Example:\n  tambra list Packages/Library.tmb");
   return command;
 }
 

@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <thread>
 
+#include "Parts/TolbrookPackage/Core/Exception.h"
 #include "Parts/TolbrookPackage/Core/Text.h"
 
 #include "cli/JobReport.h"
@@ -54,6 +55,17 @@ void ReportFiles(CJobSession& session, const char* ending, EExitStatus status) {
   note(NSTambraPacking::kLogFile, log);
 }
 
+/// What is wrong with an --answer; nothing when it is right.
+std::string FaultOfAnswer(const std::string& answer) {
+  CPreparedAnswers answers;
+  try {
+    AddAnswer(answers, answer);
+  } catch (const NSMordel::XFormatViolation& e) {
+    return e.Message();
+  }
+  return {};
+}
+
 const char* StatusName(EExitStatus status) {
   if (status == kExitStopped) return "stopped";
   return status == kExitAborted ? "aborted" : "failed";
@@ -72,11 +84,19 @@ CLI::App* CPackCommand::Register(CLI::App& program) {
   command->add_flag("--replace", fReplace, "Replace a package that is there already");
   command->add_option("--answer", fAnswers, "Answer an alert in advance, by number and button")
       ->type_name("ALERT=BUTTON")
+      ->check(FaultOfAnswer)
       ->allow_extra_args(false);
   command->add_flag("--yes", fYes, "Go on wherever the packer would ask");
   command->add_option("--jobs", fJobs, "Threads that verify and pack (default: all cores)")
       ->type_name("N")
       ->check(CLI::Range(1U, 1024U));
+  command->footer(
+      "Examples:\n"
+      "  tambra pack Library Packages              ask on a terminal, else be careful\n"
+      "  tambra pack Library Packages --replace    over the package of the last run\n"
+      "  tambra pack Library Packages --answer \"21=Continue Anyway\"\n"
+      "                                            leave out files of unknown types\n"
+      "  tambra pack Library Packages --json       an event a line, for programs");
   return command;
 }
 

@@ -9,6 +9,7 @@ class CInfoCommand : public ICommand {
  public:
   CLI::App* Register(CLI::App& program) override;
   int Run(const CGlobalOptions& options) override;
+  std::string Subject() const override { return fFile; }
 
  private:
   std::string fFile;
@@ -19,6 +20,7 @@ class CListCommand : public ICommand {
  public:
   CLI::App* Register(CLI::App& program) override;
   int Run(const CGlobalOptions& options) override;
+  std::string Subject() const override { return fFile; }
 
  private:
   std::string fFile;
@@ -29,6 +31,7 @@ class CVerifyCommand : public ICommand {
  public:
   CLI::App* Register(CLI::App& program) override;
   int Run(const CGlobalOptions& options) override;
+  std::string Subject() const override { return fFile; }
 
  private:
   std::string fFile;

@@ -73,7 +73,8 @@ class CTerminalView : public ICliProgressView {
   }
 
   static std::string Line(const std::u16string& text, std::size_t width) {
-    return Printable(FitWidth(text, width)) + "\x1B[K";
+    const std::u16string shown = NSTolbrook::TextFromUtf8(Printable(text));
+    return NSTolbrook::Utf8FromText(FitWidth(shown, width)) + "\x1B[K";
   }
 
   std::string Bar(std::size_t width) const {

@@ -29,7 +29,7 @@ CStopSignal::CStopSignal(NSTambraPacking::CTambraPackProgress* progress) {
   gRequested = false;
   struct sigaction action {};
   action.sa_handler = Note;
-  action.sa_flags = 0;  // a question that waits for its answer ends, too
+  action.sa_flags = 0;  // output that a full pipe holds up ends, too
   sigemptyset(&action.sa_mask);
   sigaction(SIGINT, &action, &gInterrupt);
   sigaction(SIGTERM, &action, &gTerminate);

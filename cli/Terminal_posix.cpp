@@ -1,3 +1,4 @@
+#include <poll.h>
 #include <signal.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -8,7 +9,8 @@ namespace NSTambraCli {
 
 namespace {
 constexpr int kUsualWidth = 80;
-}
+constexpr int kStopCheckMilliseconds = 100;
+}  // namespace
 
 bool IsTerminal(EStandardStream stream) {
   switch (stream) {
@@ -26,6 +28,22 @@ int TerminalWidth() {
   winsize size{};
   if (ioctl(STDERR_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) return kUsualWidth;
   return size.ws_col;
+}
+
+std::optional<std::string> ReadLine(const std::function<bool()>& stopRequested) {
+  std::string line;
+  while (!stopRequested()) {
+    // An interrupt just before the call would not end it, hence the limit.
+    pollfd input{STDIN_FILENO, POLLIN, 0};
+    if (poll(&input, 1, kStopCheckMilliseconds) <= 0) continue;
+    char character = 0;
+    if (read(STDIN_FILENO, &character, 1) != 1) {
+      return line.empty() ? std::nullopt : std::optional(line);
+    }
+    if (character == '\n') return line;
+    line += character;
+  }
+  return std::nullopt;
 }
 
 void PrepareConsole() { signal(SIGPIPE, SIG_IGN); }

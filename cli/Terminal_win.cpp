@@ -1,4 +1,5 @@
 #include <io.h>
+#include <iostream>
 #include <windows.h>
 
 #include "cli/Terminal.h"
@@ -32,6 +33,12 @@ int TerminalWidth() {
   CONSOLE_SCREEN_BUFFER_INFO info{};
   if (!GetConsoleScreenBufferInfo(GetStdHandle(STD_ERROR_HANDLE), &info)) return kUsualWidth;
   return info.srWindow.Right - info.srWindow.Left + 1;
+}
+
+std::optional<std::string> ReadLine(const std::function<bool()>& stopRequested) {
+  std::string line;
+  if (!std::getline(std::cin, line) || stopRequested()) return std::nullopt;
+  return line;
 }
 
 void PrepareConsole() {

@@ -68,6 +68,7 @@ CLI::App* CVerifyCommand::Register(CLI::App& program) {
   command->add_option("--jobs", fJobs, "Threads that verify (default: all cores)")
       ->type_name("N")
       ->check(CLI::Range(1U, 1024U));
+  command->footer("Example:\n  tambra verify Packages/Library.tmb");
   return command;
 }
 
