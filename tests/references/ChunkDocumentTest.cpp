@@ -134,13 +134,14 @@ TEST(ChunkDocument, DeviceNamesStandWhereTheKindOfDocumentPutsThem) {
             {Chunk("DESC", DescriptionBody("Own")), Chunk("DESC", DescriptionBody("Second")),
              Group("FORM", "DEVL",
                    {Chunk("DESC", DescriptionBody("One")),
-                    Group("FORM", "SUBP", {Chunk("DESC", Bytes{1})})}),
+                    Group("FORM", "SUBP", {Chunk("DESC", DescriptionBody("Inner"))})}),
+             Group("FORM", "ELSE", {Chunk("DESC", Bytes{1})}),
              Group("LIST", "DEVL", {Chunk("DESC", DescriptionBody("Two \xC3\xA9"))})});
   const CChunkDocument patch = Patch(bytes);
   EXPECT_EQ(patch.Type(), NSTolbrook::MakeFourCharCode("PTCH"));
   EXPECT_EQ(patch.DeviceNames(), std::vector<std::u16string>{u"Own"});
   EXPECT_EQ(CChunkDocument(AsMedia(bytes), EChunkDocumentKind::kSong).DeviceNames(),
-            (std::vector<std::u16string>{u"One", u"Two \u00E9"}));
+            (std::vector<std::u16string>{u"One", u"Inner", u"Two \u00E9"}));
 }
 
 TEST(ChunkDocument, HostileBodiesAreRefusedWithTheirOffset) {
