@@ -69,7 +69,6 @@ void Encode(const CDWOPHeader& header, const std::vector<std::int32_t>& samples,
             NSBigFilePackage::CMemoryMedia& stream) {
   CVectorSource source(samples, header.fChannels);
   NSBigFilePackage::CMediaCursor output(stream);
-  WriteDWOPHeader(output, header);
   EncodeDWOP(header, source, output, [] {});
 }
 
