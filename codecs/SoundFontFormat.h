@@ -5,7 +5,7 @@
 
 #include "Parts/TolbrookPackage/Core/FourCharCode.h"
 
-/// The layout of a SoundFont 2 bank ("SoundFont Technical Specification" 2.01 and 2.04), a RIFF
+/// The layout of a SoundFont 2 bank (the published standard, 2.01 and 2.04), a RIFF
 /// file; all numbers are little-endian, offsets in bytes from a record's start.
 ///
 ///   RIFF "sfbk"
