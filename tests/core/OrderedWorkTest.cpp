@@ -121,7 +121,12 @@ TEST(OrderedWork, StopsWhileAnItemIsBusy) {
     series.fStop = true;
     while (series.fCancelled == 0) std::this_thread::yield();
   };
-  EXPECT_EQ(series.Run(100, 2), Expected(3) + "B3 ! User aborted");
+  // The worker may be ahead, so that the caller sees the request at an earlier item already.
+  const std::string notes = series.Run(100, 2);
+  const std::string end = "! User aborted";
+  ASSERT_TRUE(notes.ends_with(end)) << notes;
+  const std::string steps = notes.substr(0, notes.size() - end.size());
+  EXPECT_TRUE((Expected(3) + "B3 ").starts_with(steps)) << notes;
   EXPECT_EQ(series.fCancelled, 1);
 }
 
@@ -134,7 +139,7 @@ TEST(OrderedWork, RunsOnlySoFarAhead) {
       idle = 0;
       return;
     }
-    while (++idle < 50) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    while (++idle < 300) std::this_thread::sleep_for(std::chrono::milliseconds(1));
   };
   EXPECT_EQ(series.Run(3000, 3), Expected(3000));
   EXPECT_LE(series.fGreatestAhead, 3U * 64U);
