@@ -21,6 +21,14 @@ if(TAMBRA_COVERAGE)
   add_link_options(--coverage)
 endif()
 
+# Files named *_avx2.cpp are built where the processor may have AVX2, with its instructions; callers
+# ask the processor first. Such a file defines nothing but its kernels, so that no inline function
+# of it is taken for that of a file which runs everywhere.
+string(TOLOWER "${CMAKE_SYSTEM_PROCESSOR}" tambra_processor)
+if(tambra_processor MATCHES "^(x86_64|amd64)$")
+  set(TAMBRA_AVX2 ON)
+endif()
+
 # tambra_library(NAME FOLDER): every .cpp below FOLDER, of platform files only this system's.
 function(tambra_library name folder)
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/${folder}/*.cpp)
@@ -29,6 +37,14 @@ function(tambra_library name folder)
   else()
     list(FILTER sources EXCLUDE REGEX "_win\\.cpp$")
   endif()
+  if(TAMBRA_AVX2)
+    set(kernels ${sources})
+    list(FILTER kernels INCLUDE REGEX "_avx2\\.cpp$")
+    set_source_files_properties(${kernels} PROPERTIES COMPILE_OPTIONS "-mavx2;-mbmi;-mbmi2;-mlzcnt")
+  else()
+    list(FILTER sources EXCLUDE REGEX "_avx2\\.cpp$")
+  endif()
   add_library(${name} STATIC ${sources})
   target_link_libraries(${name} PUBLIC tambra_options)
+  target_compile_definitions(${name} PRIVATE $<$<BOOL:${TAMBRA_AVX2}>:TAMBRA_AVX2>)
 endfunction()

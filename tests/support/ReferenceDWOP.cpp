@@ -169,7 +169,7 @@ std::vector<std::uint8_t> ReferenceEncode(const CReferenceFormat& format,
                                           const std::vector<std::int32_t>& interleaved) {
   const std::uint64_t length = interleaved.size() / format.fChannels;
   CBits bits;
-  for (const std::uint64_t byte : {0xBC, 1, 0, 0, 0}) PutNumber(bits, byte, 8);
+  for (const std::uint64_t byte : {0xBCu, 1u, 0u, 0u, 0u}) PutNumber(bits, byte, 8);
   PutNumber(bits, length, 32);
   for (const std::uint64_t byte : {60u, 0u, 0u, format.fChannels}) PutNumber(bits, byte, 8);
   PutNumber(bits, 0, 32);
