@@ -55,7 +55,11 @@ CBuiltZip MakeZip(const std::vector<CBuiltMember>& members, const std::string& c
   CBuiltZip zip;
   Bytes directory;
   std::size_t entry = 0;
-  for (const auto& [name, content, deflated, descriptor] : members) {
+  for (const CBuiltMember& member : members) {
+    // Not a structured binding: a lambda cannot hold on to one.
+    const auto& name = member.fName;
+    const auto& content = member.fContent;
+    const bool deflated = member.fDeflate, descriptor = member.fDescriptor;
     const Bytes packed = deflated ? Deflate(content) : content;
     const std::size_t check = crc32_z(0, content.data(), content.size());
     zip.fLocal = zip.fBytes.size();

@@ -200,7 +200,7 @@ TEST(DWOPCodec, AgreesWithTheReferenceOnEverySignal) {
   for (int kind = 0; kind < static_cast<int>(ESignal::kCount); ++kind) {
     for (const unsigned width : {16u, 24u}) {
       for (const unsigned channels : {1u, 2u}) {
-        for (const std::size_t length : {0, 1, 2, 4095, 4096, 4097}) {
+        for (const std::size_t length : {0u, 1u, 2u, 4095u, 4096u, 4097u}) {
           const CSamples samples =
               MakeSignal(static_cast<ESignal>(kind), width, length * channels, ++seed);
           const CReferenceFormat format{channels, width, 48000};

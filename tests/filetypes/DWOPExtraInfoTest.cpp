@@ -44,7 +44,7 @@ TEST(DWOPExtraInfo, IsFramedOnBothSides) {
 }
 
 TEST(DWOPExtraInfo, CopiesPieceByPiece) {
-  for (const std::size_t length : {8191, 8192, 8193, 20000}) {
+  for (const std::size_t length : {8191u, 8192u, 8193u, 20000u}) {
     CBytes data(length);
     std::iota(data.begin(), data.end(), std::uint8_t{0});
     const CBytes block = Block(data);
