@@ -1,7 +1,6 @@
 #include "references/XMLElement.h"
 
 #include <algorithm>
-#include <iterator>
 
 #include "Parts/TolbrookPackage/Core/Exception.h"
 #include "Parts/TolbrookPackage/Core/Text.h"
@@ -12,14 +11,31 @@ CXMLElement::CXMLElement(std::u16string name, std::u16string text)
     : fName(std::move(name)), fText(std::move(text)) {}
 
 CXMLElement::~CXMLElement() {
-  // The members' own destructors would recurse, one stack frame a level.
-  Children pending = std::move(fChildren);
-  while (!pending.empty()) {
-    const std::shared_ptr<CXMLElement> element = std::move(pending.back());
-    pending.pop_back();
+  // The members' own destructors would recurse, one stack frame a level; and a list of what is left
+  // to do would take memory, of which there may be none. So the way back up is kept where the child
+  // was that the way down took (as in Schorr and Waite's marking of graphs).
+  for (std::shared_ptr<CXMLElement>& own : fChildren) {
+    std::shared_ptr<CXMLElement> element = std::move(own);
     if (element.use_count() > 1) continue;
-    std::move(element->fChildren.begin(), element->fChildren.end(), std::back_inserter(pending));
-    element->fChildren.clear();
+    std::shared_ptr<CXMLElement> parent;
+    for (;;) {
+      Children& children = element->fChildren;
+      if (children.empty()) {
+        if (!parent) break;
+        element = std::move(parent);
+        parent = std::move(element->fChildren.back());
+        element->fChildren.pop_back();
+        continue;
+      }
+      std::shared_ptr<CXMLElement> child = std::move(children.back());
+      if (child.use_count() > 1 || child->fChildren.empty()) {
+        children.pop_back();
+      } else {
+        children.back() = std::move(parent);
+        parent = std::move(element);
+        element = std::move(child);
+      }
+    }
   }
 }
 

@@ -45,6 +45,20 @@ EFileKind KindOfItem(int folder, const dirent& item, const NativePath& path) {
                                     kFolderObject);
 }
 
+struct CCloseFolder {
+  void operator()(DIR* open) const { ::closedir(open); }
+};
+using OpenFolder = std::unique_ptr<DIR, CCloseFolder>;
+
+OpenFolder OpenFolderAt(const NativePath& folder) {
+  for (;;) {
+    if (OpenFolder open(::opendir(folder.c_str())); open) return open;
+    if (errno == EINTR) continue;
+    ThrowFileFailure<NSMordel::XOpen>("cannot open the folder", folder, Failure(errno),
+                                      kFolderObject);
+  }
+}
+
 }  // namespace
 
 std::optional<std::u16string> TextFromNative(const NativePath& path) {
@@ -63,12 +77,7 @@ NativePath NativeFromText(std::u16string_view text) {
 }
 
 std::vector<CFolderItem> ListFolder(const NativePath& folder) {
-  const auto close = [](DIR* open) { ::closedir(open); };
-  const std::unique_ptr<DIR, decltype(close)> open(::opendir(folder.c_str()), close);
-  if (open == nullptr) {
-    ThrowFileFailure<NSMordel::XOpen>("cannot open the folder", folder, Failure(errno),
-                                      kFolderObject);
-  }
+  const OpenFolder open = OpenFolderAt(folder);
   std::vector<CFolderItem> items;
   for (;;) {
     errno = 0;

@@ -1,0 +1,318 @@
+// A library to load before all others (LD_PRELOAD) that makes one call of a program fail (a file
+// operation in a folder, or an allocation) or sends it a signal there. So the real program is
+// tried, as it is shipped.
+//
+// Settings come from the environment:
+//   FAULT_FOLDER  file operations count when their path lies below this folder
+//   FAULT_KIND    EIO, ENOSPC, EACCES, EINTR, short, memory; kill, stop: signals
+//   FAULT_AT      the number of the call that fails, from 1; 0: none
+//   FAULT_EVER    1: all calls behind it fail, too
+//   FAULT_COUNT   a file that gets the number of calls that could have failed
+
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <dirent.h>
+#include <dlfcn.h>
+#include <execinfo.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+/// What a call does, as far as a kind of fault asks.
+enum ECall : unsigned {
+  kOpen = 1,    // opens or lists what is there
+  kCreate = 2,  // makes something
+  kRead = 4,
+  kWrite = 8,  // takes room on the disk
+  kFlush = 16,
+  kClose = 32,
+  kRename = 64,
+  kRemove = 128,
+  kStatus = 256,
+  kMemory = 512,
+  kList = 1024,  // the next item of a folder
+};
+
+struct CKind {
+  const char* fName;
+  int fNumber;  ///< errno of the failing call
+  unsigned fCalls;
+  int fSignal = 0;  ///< sent to the program instead
+};
+
+constexpr unsigned kAllFiles =
+    kOpen | kCreate | kRead | kWrite | kFlush | kClose | kRename | kRemove | kStatus | kList;
+constexpr unsigned kTransfer = kRead | kWrite;
+constexpr CKind kKinds[] = {
+    {"EIO", EIO, kAllFiles},
+    {"ENOSPC", ENOSPC, kCreate | kWrite | kFlush | kRename | kClose},
+    {"EACCES", EACCES, kOpen | kCreate | kRename | kRemove | kStatus},
+    {"EINTR", EINTR, kOpen | kTransfer | kFlush | kClose},
+    {"short", 0, kTransfer},
+    {"kill", 0, kAllFiles, SIGKILL},
+    {"stop", 0, kAllFiles, SIGINT},
+    {"memory", ENOMEM, kMemory},
+};
+
+const char* Setting(const char* name) {
+  const char* const value = std::getenv(name);
+  return value == nullptr ? "" : value;
+}
+
+/// The settings, and what has been counted. Plain data, since allocations come before main.
+struct CState {
+  CKind fKind{"", 0, 0};
+  unsigned long fAt = 0;
+  bool fEver = false;
+  std::size_t fFolderLength = 0;
+  char fFolder[4096] = {};
+  std::atomic<unsigned long> fCount = 0;
+  std::atomic<bool> fWatched[4096] = {};  ///< by descriptor
+  std::atomic<bool> fReady = false;
+};
+CState gState;
+
+/// Shows where a program broke that should have ended by itself.
+void ShowPlace(int signal) {
+  void* frames[64];
+  ::backtrace_symbols_fd(frames, ::backtrace(frames, 64), STDERR_FILENO);
+  std::signal(signal, SIG_DFL);
+  std::raise(signal);
+}
+
+__attribute__((constructor)) void Begin() {
+  void* frame;
+  ::backtrace(&frame, 1);  // its first call loads a library
+  for (const int signal : {SIGABRT, SIGSEGV, SIGBUS, SIGFPE}) std::signal(signal, ShowPlace);
+  for (const CKind& kind : kKinds) {
+    if (std::strcmp(kind.fName, Setting("FAULT_KIND")) == 0) gState.fKind = kind;
+  }
+  gState.fAt = std::strtoul(Setting("FAULT_AT"), nullptr, 10);
+  gState.fEver = *Setting("FAULT_EVER") == '1';
+  std::snprintf(gState.fFolder, sizeof gState.fFolder, "%s", Setting("FAULT_FOLDER"));
+  gState.fFolderLength = std::strlen(gState.fFolder);
+}
+
+__attribute__((destructor)) void End() {
+  const char* const path = Setting("FAULT_COUNT");
+  gState.fReady = false;
+  if (*path == 0) return;
+  if (std::FILE* const file = std::fopen(path, "w")) {
+    std::fprintf(file, "%lu\n", gState.fCount.load());
+    std::fclose(file);
+  }
+}
+
+/// Whether this call is the one, or one behind it; kills the program when that is asked.
+bool IsHit(ECall call) {
+  if (!gState.fReady || (gState.fKind.fCalls & call) == 0) return false;
+  const unsigned long number = ++gState.fCount;
+  if (gState.fAt == 0 || number < gState.fAt) return false;
+  if (number > gState.fAt && !gState.fEver) return false;
+  if (gState.fKind.fSignal == 0) return true;
+  ::kill(::getpid(), gState.fKind.fSignal);
+  return false;
+}
+
+bool IsShort() { return gState.fKind.fNumber == 0; }
+
+bool IsBelow(const char* path) {
+  return gState.fReady && gState.fFolderLength > 0 && path != nullptr &&
+         std::strncmp(path, gState.fFolder, gState.fFolderLength) == 0;
+}
+
+bool IsWatched(int descriptor) {
+  return descriptor >= 0 && descriptor < 4096 && gState.fWatched[descriptor];
+}
+
+void Watch(int descriptor, bool watched) {
+  if (descriptor >= 0 && descriptor < 4096) gState.fWatched[descriptor] = watched;
+}
+
+template <class Result>
+Result Fail(Result result) {
+  errno = gState.fKind.fNumber;
+  return result;
+}
+
+bool FailsAt(const char* path, ECall call) { return IsBelow(path) && IsHit(call); }
+bool FailsAt(int descriptor, ECall call) { return IsWatched(descriptor) && IsHit(call); }
+
+template <class Function>
+Function* Next(const char* name) {
+  return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
+}
+
+int OpenAt(int folder, const char* path, int flags, mode_t mode) {
+  static auto* const next = Next<int(int, const char*, int, mode_t)>("openat");
+  const bool below = IsBelow(path) || IsWatched(folder);
+  if (below && IsHit((flags & O_CREAT) != 0 ? kCreate : kOpen)) return Fail(-1);
+  const int descriptor = next(folder, path, flags, mode);
+  Watch(descriptor, below);
+  return descriptor;
+}
+
+mode_t ModeOf(int flags, va_list arguments) {
+  return (flags & O_CREAT) != 0 ? static_cast<mode_t>(va_arg(arguments, int)) : 0;
+}
+
+/// A transfer that is cut to one byte, or does not take place.
+template <class Transfer>
+ssize_t Transferred(int descriptor, size_t length, ECall call, const Transfer& transfer) {
+  if (!FailsAt(descriptor, call)) return transfer(length);
+  return IsShort() ? transfer(length > 1 ? 1 : length) : Fail<ssize_t>(-1);
+}
+
+}  // namespace
+
+extern "C" {
+
+// Nothing fails before the program has begun: what its libraries do there nobody can catch.
+int __libc_start_main(int (*main)(int, char**, char**), int count, char** arguments,
+                      void (*begin)(), void (*end)(), void (*unload)(), void* stack) {
+  static int (*program)(int, char**, char**) = main;
+  static auto* const next = Next<decltype(__libc_start_main)>("__libc_start_main");
+  const auto start = [](int argumentCount, char** values, char** environment) {
+    gState.fReady = true;
+    return program(argumentCount, values, environment);
+  };
+  return next(start, count, arguments, begin, end, unload, stack);
+}
+
+int open(const char* path, int flags, ...) {
+  va_list arguments;
+  va_start(arguments, flags);
+  const mode_t mode = ModeOf(flags, arguments);
+  va_end(arguments);
+  return OpenAt(AT_FDCWD, path, flags, mode);
+}
+int openat(int folder, const char* path, int flags, ...) {
+  va_list arguments;
+  va_start(arguments, flags);
+  const mode_t mode = ModeOf(flags, arguments);
+  va_end(arguments);
+  return OpenAt(folder, path, flags, mode);
+}
+
+int close(int descriptor) {
+  static auto* const next = Next<int(int)>("close");
+  const bool fails = FailsAt(descriptor, kClose);
+  Watch(descriptor, false);
+  const int result = next(descriptor);  // a close that fails has closed all the same
+  return fails ? Fail(-1) : result;
+}
+
+ssize_t pread(int descriptor, void* target, size_t length, off_t offset) {
+  static auto* const next = Next<ssize_t(int, void*, size_t, off_t)>("pread");
+  return Transferred(descriptor, length, kRead,
+                     [&](size_t count) { return next(descriptor, target, count, offset); });
+}
+ssize_t read(int descriptor, void* target, size_t length) {
+  static auto* const next = Next<ssize_t(int, void*, size_t)>("read");
+  return Transferred(descriptor, length, kRead,
+                     [&](size_t count) { return next(descriptor, target, count); });
+}
+ssize_t pwrite(int descriptor, const void* source, size_t length, off_t offset) {
+  static auto* const next = Next<ssize_t(int, const void*, size_t, off_t)>("pwrite");
+  return Transferred(descriptor, length, kWrite,
+                     [&](size_t count) { return next(descriptor, source, count, offset); });
+}
+ssize_t write(int descriptor, const void* source, size_t length) {
+  static auto* const next = Next<ssize_t(int, const void*, size_t)>("write");
+  return Transferred(descriptor, length, kWrite,
+                     [&](size_t count) { return next(descriptor, source, count); });
+}
+ssize_t copy_file_range(int from, off_t* start, int to, off_t* offset, size_t length,
+                        unsigned flags) {
+  using Function = ssize_t(int, off_t*, int, off_t*, size_t, unsigned);
+  static auto* const next = Next<Function>("copy_file_range");
+  return Transferred(to, length, kWrite,
+                     [&](size_t count) { return next(from, start, to, offset, count, flags); });
+}
+
+int ftruncate(int descriptor, off_t size) {
+  static auto* const next = Next<int(int, off_t)>("ftruncate");
+  return FailsAt(descriptor, kWrite) && !IsShort() ? Fail(-1) : next(descriptor, size);
+}
+int fallocate(int descriptor, int mode, off_t offset, off_t length) {
+  static auto* const next = Next<int(int, int, off_t, off_t)>("fallocate");
+  return FailsAt(descriptor, kWrite) && !IsShort() ? Fail(-1)
+                                                   : next(descriptor, mode, offset, length);
+}
+int fsync(int descriptor) {
+  static auto* const next = Next<int(int)>("fsync");
+  return FailsAt(descriptor, kFlush) ? Fail(-1) : next(descriptor);
+}
+int fdatasync(int descriptor) {
+  static auto* const next = Next<int(int)>("fdatasync");
+  return FailsAt(descriptor, kFlush) ? Fail(-1) : next(descriptor);
+}
+
+int rename(const char* from, const char* to) {
+  static auto* const next = Next<int(const char*, const char*)>("rename");
+  return FailsAt(to, kRename) ? Fail(-1) : next(from, to);
+}
+int renameat(int fromFolder, const char* from, int toFolder, const char* to) {
+  static auto* const next = Next<int(int, const char*, int, const char*)>("renameat");
+  const bool fails = FailsAt(to, kRename) || FailsAt(toFolder, kRename);
+  return fails ? Fail(-1) : next(fromFolder, from, toFolder, to);
+}
+int unlink(const char* path) {
+  static auto* const next = Next<int(const char*)>("unlink");
+  return FailsAt(path, kRemove) ? Fail(-1) : next(path);
+}
+int unlinkat(int folder, const char* path, int flags) {
+  static auto* const next = Next<int(int, const char*, int)>("unlinkat");
+  const bool fails = FailsAt(path, kRemove) || FailsAt(folder, kRemove);
+  return fails ? Fail(-1) : next(folder, path, flags);
+}
+int mkdir(const char* path, mode_t mode) {
+  static auto* const next = Next<int(const char*, mode_t)>("mkdir");
+  return FailsAt(path, kCreate) ? Fail(-1) : next(path, mode);
+}
+
+int fstat(int descriptor, struct stat* status) {
+  static auto* const next = Next<int(int, struct stat*)>("fstat");
+  return FailsAt(descriptor, kStatus) ? Fail(-1) : next(descriptor, status);
+}
+int fstatat(int folder, const char* path, struct stat* status, int flags) {
+  static auto* const next = Next<int(int, const char*, struct stat*, int)>("fstatat");
+  const bool fails = FailsAt(path, kStatus) || FailsAt(folder, kStatus);
+  return fails ? Fail(-1) : next(folder, path, status, flags);
+}
+int stat(const char* path, struct stat* status) {
+  static auto* const next = Next<int(const char*, struct stat*)>("stat");
+  return FailsAt(path, kStatus) ? Fail(-1) : next(path, status);
+}
+
+DIR* opendir(const char* path) {
+  static auto* const next = Next<DIR*(const char*)>("opendir");
+  const bool below = IsBelow(path);
+  if (below && IsHit(kOpen)) return Fail<DIR*>(nullptr);
+  DIR* const folder = next(path);
+  if (folder != nullptr) Watch(::dirfd(folder), below);
+  return folder;
+}
+struct dirent* readdir(DIR* folder) {
+  static auto* const next = Next<struct dirent*(DIR*)>("readdir");
+  return FailsAt(::dirfd(folder), kList) ? Fail<struct dirent*>(nullptr) : next(folder);
+}
+int closedir(DIR* folder) {
+  static auto* const next = Next<int(DIR*)>("closedir");
+  Watch(::dirfd(folder), false);
+  return next(folder);
+}
+
+void* malloc(size_t size) {
+  static auto* const next = Next<void*(size_t)>("malloc");
+  return IsHit(kMemory) ? Fail<void*>(nullptr) : next(size);
+}
+
+}  // extern "C"

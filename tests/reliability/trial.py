@@ -1,0 +1,92 @@
+"""A small library and runs of the real program on it, with a call that fails or a signal."""
+
+import json
+import os
+import pathlib
+import shutil
+import subprocess
+
+TIME_LIMIT = 60
+
+
+def snapshot(folder):
+    return {str(path.relative_to(folder)): path.read_bytes()
+            for path in sorted(folder.rglob("*")) if path.is_file()} if folder.exists() else {}
+
+
+def events_of(done):
+    events = []
+    for line in done.stdout.decode(errors="replace").splitlines():
+        try:
+            events.append(json.loads(line))
+        except ValueError:
+            events.append({})  # cut off where the fault struck
+    return events
+
+
+def alerts_of(done):
+    return [event["number"] for event in events_of(done) if event.get("event") == "alert"]
+
+
+class Trial:
+    """A copy of a library, what packing it gives, and runs that are disturbed."""
+
+    def __init__(self, base, program, faults, library):
+        self.base, self.program, self.faults = pathlib.Path(base), program, faults
+        self.input, self.output = self.base / "in", self.base / "out"
+        self.base.mkdir()
+        shutil.copytree(library, self.input)
+        self.original = snapshot(self.input)
+        done = self.run()
+        packages = list(self.output.glob("*.tmb"))
+        if done.returncode not in (0, 1) or len(packages) != 1:
+            raise SystemExit(f"the library cannot be packed: {done.stderr.decode()}")
+        self.status = done.returncode
+        self.name, self.bytes = packages[0].name, packages[0].read_bytes()
+
+    def start(self, kind="", at=0, ever=False, jobs=1):
+        environment = {**os.environ, "FAULT_FOLDER": str(self.base), "FAULT_KIND": kind,
+                       "FAULT_AT": str(at), "FAULT_EVER": "1" if ever else "0",
+                       "FAULT_COUNT": str(self.base / "count") if at == 0 else "",
+                       "LD_PRELOAD": str(self.faults) if kind else ""}
+        command = [self.program, "pack", self.input, self.output, "--json", "--replace", "--jobs",
+                   jobs]
+        return subprocess.Popen(list(map(str, command)), env=environment, stdout=subprocess.PIPE,
+                                stderr=subprocess.PIPE)
+
+    def run(self, *fault, jobs=1, keep=False):
+        """Packs into an empty folder, or with `keep` beside what is there."""
+        if not keep:
+            shutil.rmtree(self.output, ignore_errors=True)
+        process = self.start(*fault, jobs=jobs)
+        output, error = process.communicate(timeout=TIME_LIMIT)
+        return subprocess.CompletedProcess(process.args, process.returncode, output, error)
+
+    def calls(self, kind):
+        """How many calls of a run a kind of fault can strike."""
+        done = self.run(kind)
+        count = int((self.base / "count").read_text())
+        if done.returncode != self.status or count == 0:
+            raise SystemExit(f"{kind}: a run without faults ended with {done.returncode}, "
+                             f"{count} calls counted: {done.stderr.decode()}")
+        return count
+
+    def faults_of_files(self, expected):
+        """What is wrong with the folders after a run, which has to have made the package when it
+        is `expected`."""
+        if snapshot(self.input) != self.original:
+            yield "changed its input"
+        left = snapshot(self.output)
+        whole = left.pop(self.name, None)
+        if whole is not None and whole != self.bytes:
+            yield "left a package that is not whole"
+        if whole is None and expected:
+            yield "claims a package that is not there"
+        yield from (f"left {name}" for name in left if not name.endswith(".txt"))
+
+    def faults_of_next_run(self):
+        """What is wrong with a run that follows on one that was disturbed."""
+        done = self.run(keep=True)
+        if done.returncode != self.status:
+            yield f"the next run ended with {done.returncode}: {done.stderr.decode()}"
+        yield from (f"the next run {fault}" for fault in self.faults_of_files(True))
