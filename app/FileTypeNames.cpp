@@ -7,7 +7,6 @@
 namespace NSTambraPacking {
 
 std::u16string EntryTypeName(const CTextResources& texts, std::int32_t typeCode) {
-  constexpr std::int32_t kSampleEntryType = 11;
   if (typeCode == kSampleEntryType) return texts.Text(kSampleType);
   const std::vector<CFileTypeRow>& rows = RegisteredFileTypes();
   for (std::size_t row = 0; row < rows.size(); ++row) {

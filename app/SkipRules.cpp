@@ -5,11 +5,11 @@
 #include <unordered_set>
 #include <vector>
 
+#include "app/FileTypeNames.h"
+
 namespace NSTambraPacking {
 
 namespace {
-
-constexpr std::int32_t kSampleEntryType = 11;
 
 bool IsSample(const CPackageEntry& entry) {
   return entry.TypeCode() == kSampleEntryType || IsContainerType(entry.TypeCode());

@@ -88,6 +88,32 @@ inline constexpr CStringNumber kHintUnsupported{128, 345};
 inline constexpr CStringNumber kHintProhibitedDevice{128, 346};
 inline constexpr CStringNumber kHintLeftOut{128, 347};
 
+// Reading packages on the command line
+inline constexpr CStringNumber kExtracting{128, 360};
+inline constexpr CStringNumber kExtractedDifferent{128, 361};
+inline constexpr CStringNumber kExtractedDamaged{128, 362};
+inline constexpr CStringNumber kReplaceHint{128, 363};
+inline constexpr CStringNumber kExtractionDamaged{128, 364};
+inline constexpr CStringNumber kStructureSound{128, 365};
+inline constexpr CStringNumber kNoDifferences{128, 366};
+inline constexpr CStringNumber kDifferenceCount{128, 367};
+/// Of the first kind of difference, those of the others follow it.
+inline constexpr CStringNumber kFirstDifference{128, 370};
+inline constexpr CStringNumber kSampleFrames{128, 390};
+inline constexpr CStringNumber kSampleChannels{128, 391};
+inline constexpr CStringNumber kSampleBits{128, 392};
+inline constexpr CStringNumber kSampleRate{128, 393};
+inline constexpr CStringNumber kSampleRootKey{128, 394};
+inline constexpr CStringNumber kSampleFineTune{128, 395};
+inline constexpr CStringNumber kSampleLoop{128, 396};
+inline constexpr CStringNumber kSampleBitStream{128, 397};
+inline constexpr CStringNumber kSampleRest{128, 398};
+inline constexpr CStringNumber kBytesAt{128, 399};
+inline constexpr CStringNumber kThereIsNone{128, 400};
+inline constexpr CStringNumber kLoopForward{128, 401};
+inline constexpr CStringNumber kLoopAlternating{128, 402};
+inline constexpr CStringNumber kLoopOther{128, 403};
+
 // Standard menus
 inline constexpr CStringNumber kFileMenu{1000, 1};
 inline constexpr CStringNumber kEditMenu{1000, 2};

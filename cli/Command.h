@@ -4,11 +4,17 @@
 #include <optional>
 #include <string>
 
+#include "Parts/TolbrookPackage/Core/Exception.h"
 #include "Parts/TolbrookPackage/Core/FileSystem.h"
 
 #include "cli/Console.h"
 
 namespace NSTambraCli {
+
+/// The command line is wrong in a way that the parser cannot see. The message tells.
+class XWrongUsage : public NSMordel::XFormatViolation {
+  using XFormatViolation::XFormatViolation;
+};
 
 /// Options that every command has.
 struct CGlobalOptions {

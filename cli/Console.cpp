@@ -3,11 +3,14 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <nlohmann/json.hpp>
 #include <utf8proc.h>
 
 #include "Parts/TolbrookPackage/Core/Text.h"
+
+#include "cli/Terminal.h"
 
 namespace NSTambraCli {
 
@@ -22,6 +25,31 @@ constexpr std::u16string_view kCut = u"…";
   if (error == EINTR) throw NSMordel::XSilentAbort("User aborted");
   if (error == EPIPE) throw XOutputClosed("standard output was closed");
   throw NSMordel::XWrite(std::string("cannot write to standard output: ") + std::strerror(error));
+}
+
+bool IsSet(const char* variable) {
+  const char* const value = std::getenv(variable);
+  return value != nullptr && *value != '\0';
+}
+
+bool HasColours() {
+  const char* const terminal = std::getenv("TERM");
+  const bool isDumb = terminal != nullptr && std::string_view(terminal) == "dumb";
+  return IsTerminal(EStandardStream::kOutput) && !isDumb && !IsSet("NO_COLOR");
+}
+
+const char* ColourCode(EColour colour) {
+  switch (colour) {
+    case EColour::kBold:
+      return "1";
+    case EColour::kRed:
+      return "31";
+    case EColour::kGreen:
+      return "32";
+    case EColour::kYellow:
+      return "33";
+  }
+  return "0";
 }
 
 bool IsControl(char16_t unit) {
@@ -56,7 +84,14 @@ std::size_t PaddingOf(const std::string& text, std::size_t width) {
 
 }  // namespace
 
+CConsole::CConsole(bool json, bool quiet) : fJson(json), fQuiet(quiet), fHasColours(HasColours()) {}
+
 void CConsole::Print(std::string_view line) const { WriteLine(stdout, line); }
+
+std::string CConsole::Painted(const std::string& text, EColour colour) const {
+  if (!fHasColours) return text;
+  return "\x1B[" + std::string(ColourCode(colour)) + "m" + text + "\x1B[0m";
+}
 
 void CConsole::PrintJson(const nlohmann::ordered_json& value) const {
   Print(value.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace));

@@ -15,11 +15,13 @@ class XOutputClosed : public NSMordel::XWrite {
   using XWrite::XWrite;
 };
 
+enum class EColour { kBold, kRed, kGreen, kYellow };
+
 /// Where the program's output goes: data to standard output, everything else to standard error.
 /// Text from files can hold anything; Printable makes it harmless for a terminal.
 class CConsole {
  public:
-  CConsole(bool json, bool quiet) : fJson(json), fQuiet(quiet) {}
+  CConsole(bool json, bool quiet);
 
   bool Json() const { return fJson; }
   bool Quiet() const { return fQuiet; }
@@ -28,6 +30,9 @@ class CConsole {
   /// a closed pipe; what is still buffered fails in Flush. Throws XSilentAbort when the user's
   /// interrupt came while a full pipe held the line up.
   void Print(std::string_view line) const;
+  /// The text in a colour, when standard output is a terminal that has them and NO_COLOR is not set
+  /// in the environment.
+  std::string Painted(const std::string& text, EColour colour) const;
   /// One JSON value on a line of its own, written at once.
   void PrintJson(const nlohmann::ordered_json& value) const;
   void Flush() const;
@@ -39,6 +44,7 @@ class CConsole {
  private:
   bool fJson;
   bool fQuiet;
+  bool fHasColours;
 };
 
 /// UTF-8 of `text` with U+FFFD for every control character, line ends included, and for those that

@@ -8,6 +8,7 @@
 #include "Parts/TolbrookPackage/Core/Exception.h"
 #include "Parts/TolbrookPackage/Core/Text.h"
 
+#include "cli/Command.h"
 #include "cli/StopSignal.h"
 #include "cli/Terminal.h"
 
@@ -82,6 +83,19 @@ void AddAnswer(CPreparedAnswers& answers, std::string_view pair) {
   answers.fAnswers[number] = NSTolbrook::TextFromUtf8(pair.substr(equals + 1));
 }
 
+void CheckAnswers(const CPreparedAnswers& answers, const NSTambraPacking::CTextResources& texts) {
+  for (const auto& [number, label] : answers.fAnswers) {
+    const CAlertText alert = texts.Alert({kQuestions.front().fTable, number});
+    if (AnswerOfLabel(alert, label)) continue;
+    std::string buttons;
+    for (const std::u16string& button : alert.fButtons) {
+      buttons += (buttons.empty() ? "\"" : ", \"") + NSTolbrook::Utf8FromText(button) + "\"";
+    }
+    throw XWrongUsage("alert " + std::to_string(number) + " has no button \"" +
+                      NSTolbrook::Utf8FromText(label) + "\", but " + buttons);
+  }
+}
+
 CConsoleAlertPresenter::CConsoleAlertPresenter(const CConsole& console, CPreparedAnswers answers,
                                                bool canAsk, ICliProgressView* view)
     : fConsole(console), fAnswers(std::move(answers)), fCanAsk(canAsk), fView(view) {}
@@ -104,8 +118,6 @@ std::optional<int> CConsoleAlertPresenter::PreparedAnswer(CAlertNumber number,
   const auto found = fAnswers.fAnswers.find(number.fEntry);
   if (found != fAnswers.fAnswers.end()) {
     if (const auto answer = AnswerOfLabel(alert, found->second)) return answer;
-    fConsole.Warn("Alert " + std::to_string(number.fEntry) + " has no button \"" +
-                  Printable(found->second) + "\".");
   }
   if (fAnswers.fYes) return NSTambraPacking::kLastButton;
   return std::nullopt;

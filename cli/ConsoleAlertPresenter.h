@@ -23,6 +23,9 @@ struct CPreparedAnswers {
 /// alert is none that asks.
 void AddAnswer(CPreparedAnswers& answers, std::string_view pair);
 
+/// Throws XWrongUsage when an alert has no button of the label that is prepared for it.
+void CheckAnswers(const CPreparedAnswers& answers, const NSTambraPacking::CTextResources& texts);
+
 /// Shows alerts as lines of text. Questions are asked on a terminal; elsewhere they are answered
 /// by the prepared answers, else by the careful button.
 class CConsoleAlertPresenter : public NSTambraPacking::IAlertPresenter {

@@ -55,4 +55,11 @@ bool ReportDetail(const CConsole& console, const NSTambraPacking::CTextResources
   return true;
 }
 
+EExitStatus ReportTaken(const CConsole& console, const NSTambraPacking::CTextResources& texts,
+                        const std::exception_ptr& failure) {
+  ReportDetail(console, texts, failure);
+  if (!console.Json()) console.Note(Printable(texts.Text(NSTambraPacking::kReplaceHint)));
+  return kExitAborted;
+}
+
 }  // namespace NSTambraCli

@@ -2,9 +2,10 @@
 
 #include "Parts/TolbrookPackage/Core/Text.h"
 
+#include "cli/Commands.h"
 #include "cli/ExitStatus.h"
 #include "cli/JobSession.h"
-#include "cli/PackageCommands.h"
+#include "cli/LabelledLines.h"
 #include "package/PackageReader.h"
 #include "package/StdioMedia.h"
 
@@ -31,7 +32,7 @@ void PrintJson(const CConsole& console, const CPackageHeader& header, std::uint6
 void PrintLines(const CConsole& console, const NSTambraPacking::CTextResources& texts,
                 const CPackageHeader& header, std::uint64_t size) {
   using namespace NSTambraPacking;
-  const std::vector<std::pair<CStringNumber, std::u16string>> lines = {
+  const CLabelledLines lines = {
       {kInfoName, header.fTambraName},
       {kInfoVersion, NSTolbrook::TextFromUtf8(header.fVersion.Text())},
       {kInfoAddress, header.fURL},
@@ -39,18 +40,14 @@ void PrintLines(const CConsole& console, const NSTambraPacking::CTextResources& 
       {kInfoFiles, NSTolbrook::TextFromUtf8(std::to_string(header.fFileCount))},
       {kInfoSize, NSTolbrook::TextFromUtf8(std::to_string(size))},
       {kInfoComment, header.fComment}};
-  std::size_t width = 0;
-  for (const auto& [label, value] : lines) {
-    width = std::max(width, DisplayWidth(texts.Text(label)));
-  }
-  for (const auto& [label, value] : lines) {
-    std::string margin = PadRight(Printable(texts.Text(label)), width) + "  ";
-    for (const std::string& line : PrintableLines(value)) {
-      console.Print(margin + line);
-      margin.assign(width + 2, ' ');
-    }
-  }
+  PrintLabelled(console, texts, lines);
 }
+
+class CInfoCommand : public CFileCommand {
+ public:
+  CLI::App* Register(CLI::App& program) override;
+  int Run(const CGlobalOptions& options) override;
+};
 
 }  // namespace
 
@@ -72,5 +69,7 @@ int CInfoCommand::Run(const CGlobalOptions& options) {
   }
   return kExitDone;
 }
+
+std::unique_ptr<ICommand> MakeInfoCommand() { return std::make_unique<CInfoCommand>(); }
 
 }  // namespace NSTambraCli

@@ -4,9 +4,9 @@
 #include "Parts/TolbrookPackage/Core/Text.h"
 
 #include "app/FileTypeNames.h"
+#include "cli/Commands.h"
 #include "cli/ExitStatus.h"
 #include "cli/JobSession.h"
-#include "cli/PackageCommands.h"
 #include "package/PackageReader.h"
 #include "package/StdioMedia.h"
 
@@ -54,6 +54,12 @@ void PrintTable(const CConsole& console, const NSTambraPacking::CTextResources& 
                                      NSTolbrook::TextFromUtf8(std::to_string(total))})));
 }
 
+class CListCommand : public CFileCommand {
+ public:
+  CLI::App* Register(CLI::App& program) override;
+  int Run(const CGlobalOptions& options) override;
+};
+
 }  // namespace
 
 CLI::App* CListCommand::Register(CLI::App& program) {
@@ -75,5 +81,7 @@ int CListCommand::Run(const CGlobalOptions& options) {
   }
   return kExitDone;
 }
+
+std::unique_ptr<ICommand> MakeListCommand() { return std::make_unique<CListCommand>(); }
 
 }  // namespace NSTambraCli

@@ -103,7 +103,12 @@ CLI::App* CPackCommand::Register(CLI::App& program) {
 int CPackCommand::Run(const CGlobalOptions& options) {
   CJobSession::COptions sessionOptions;
   for (const std::string& answer : fAnswers) AddAnswer(sessionOptions.fAnswers, answer);
-  if (fReplace) AddAnswer(sessionOptions.fAnswers, "20=Replace");
+  const NSTambraPacking::CTextResources texts = LoadTexts(options);
+  CheckAnswers(sessionOptions.fAnswers, texts);
+  if (fReplace) {
+    constexpr NSTambraPacking::CAlertNumber kReplace = NSTambraPacking::kAlertReplace;
+    sessionOptions.fAnswers.fAnswers[kReplace.fEntry] = texts.Alert(kReplace).fButtons.back();
+  }
   sessionOptions.fAnswers.fYes = fYes;
   sessionOptions.fWarnForExternal = fWarnForExternal;
   CJobSession session(options, std::move(sessionOptions));

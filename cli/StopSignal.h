@@ -20,4 +20,7 @@ class CStopSignal {
   static bool Requested();
 };
 
+/// Throws XSilentAbort "User aborted" once an interrupt came.
+void ThrowIfStopped();
+
 }  // namespace NSTambraCli

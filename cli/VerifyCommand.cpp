@@ -3,9 +3,9 @@
 #include "Parts/TolbrookPackage/Core/Exception.h"
 #include "Parts/TolbrookPackage/Core/Text.h"
 
+#include "cli/Commands.h"
 #include "cli/JobSession.h"
 #include "cli/PackCommand.h"
-#include "cli/PackageCommands.h"
 #include "cli/StopSignal.h"
 #include "filetypes/PackedEntryVerifier.h"
 #include "package/PackageReader.h"
@@ -21,6 +21,7 @@ using NSTolbrook::Utf8FromText;
 
 void PrintJson(const CConsole& console, const CVerificationResult& result, bool isSound) {
   nlohmann::ordered_json report = {{"sound", isSound},
+                                   {"quick", false},
                                    {"verified", result.fVerifiedCount},
                                    {"failed", nlohmann::ordered_json::array()},
                                    {"broken", nlohmann::ordered_json::array()}};
@@ -59,16 +60,41 @@ void PrintLines(const CConsole& console, const CTextResources& texts,
   }
 }
 
+/// What is wrong with the structure has been thrown before.
+int ReportStructure(const CConsole& console, const CTextResources& texts, std::size_t count) {
+  if (console.Json()) {
+    console.PrintJson({{"sound", true}, {"quick", true}, {"entries", count}});
+  } else {
+    console.Print(Printable(texts.Text(NSTambraPacking::kStructureSound,
+                                       {NSTolbrook::TextFromUtf8(std::to_string(count))})));
+  }
+  return kExitDone;
+}
+
+class CVerifyCommand : public CFileCommand {
+ public:
+  CLI::App* Register(CLI::App& program) override;
+  int Run(const CGlobalOptions& options) override;
+
+ private:
+  bool fQuick = false;
+  unsigned fJobs = 0;
+};
+
 }  // namespace
 
 CLI::App* CVerifyCommand::Register(CLI::App& program) {
   CLI::App* const command =
       program.add_subcommand("verify", "Read every entry of a package as its type demands");
   command->add_option("FILE", fFile, "The package")->required();
+  command->add_flag("--quick", fQuick, "Look at the header and the index only");
   command->add_option("--jobs", fJobs, "Threads that verify (default: all cores)")
       ->type_name("N")
       ->check(CLI::Range(1U, 1024U));
-  command->footer("Example:\n  tambra verify Packages/Library.tmb");
+  command->footer(
+      "Examples:\n"
+      "  tambra verify Library.tmb            decode every sample, look up every reference\n"
+      "  tambra verify Library.tmb --quick    the structure alone: a moment, whatever the size");
   return command;
 }
 
@@ -78,26 +104,28 @@ int CVerifyCommand::Run(const CGlobalOptions& options) {
   const auto library = LoadLoopLibrary(options);
   const CStopSignal signal;
   const auto media = NSBigFilePackage::CStdioMedia::OpenForReading(PathArgument(fFile));
-  NSTambraPacking::CPackedEntryVerifier entryVerifier(
-      NSTambraPacking::CPackageReader(media).Header().fTambraName, library.get(),
-      CStopSignal::Requested);
+  const NSTambraPacking::CPackageReader reader(media);
+  NSTambraPacking::CPackedEntryVerifier entryVerifier(reader.Header().fTambraName, library.get(),
+                                                      CStopSignal::Requested);
+  if (fQuick) {
+    const auto entries = reader.ReadEntries();
+    entryVerifier.TakeEntries(entries);
+    return ReportStructure(console, texts, entries.size());
+  }
   NSTambraPacking::CVerificationOptions verification;
   verification.fJobs = fJobs == 0 ? DefaultJobs() : fJobs;
-  try {
-    const CVerificationResult result =
-        NSTambraPacking::CPackageVerifier(entryVerifier, nullptr, nullptr)
-            .Verify(media, verification);
-    const bool isSound = result.fFailed.empty() && result.fBroken.empty();
-    if (console.Json()) {
-      PrintJson(console, result, isSound);
-    } else {
-      PrintLines(console, texts, result, isSound);
-    }
-    return isSound ? kExitDone : kExitFailed;
-  } catch (const NSMordel::XSilentAbort&) {
-    console.Note(Printable(texts.Text(NSTambraPacking::kStopped)));
-    return kExitStopped;
+  const CVerificationResult result =
+      NSTambraPacking::CPackageVerifier(entryVerifier, nullptr, nullptr)
+          .Verify(media, verification);
+  const bool isSound = result.fFailed.empty() && result.fBroken.empty();
+  if (console.Json()) {
+    PrintJson(console, result, isSound);
+  } else {
+    PrintLines(console, texts, result, isSound);
   }
+  return isSound ? kExitDone : kExitFailed;
 }
+
+std::unique_ptr<ICommand> MakeVerifyCommand() { return std::make_unique<CVerifyCommand>(); }
 
 }  // namespace NSTambraCli

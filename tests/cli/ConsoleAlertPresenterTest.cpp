@@ -50,10 +50,6 @@ TEST(ConsoleAlertPresenter, AnswersByLabelThenYesThenWithCare) {
       {{{20, u"stop"}}, true, kButtonBefore, "One\ntwo\n[Stop]\n"},
       {{{20, u"WEITER a\u0308"}}, false, kLastButton, "One\ntwo\n[Weiter Ä]\n"},
       {{{21, u"Weiter Ä"}}, false, kButtonBefore, "One\ntwo\n[Stop]\n"},
-      {{{20, u"Go\x1B"}},
-       false,
-       kButtonBefore,
-       "Alert 20 has no button \"Go\uFFFD\".\nOne\ntwo\n[Stop]\n"},
   };
   const CConsole console(false, true);
   for (const auto& [answers, yes, answer, error] : kCases) {

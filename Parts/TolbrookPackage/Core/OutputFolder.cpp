@@ -1,0 +1,20 @@
+#include "Parts/TolbrookPackage/Core/OutputFolder.h"
+
+#include "Parts/TolbrookPackage/Core/FileFailure.h"
+
+namespace NSTolbrook {
+
+void COutputFolder::CheckFree(const std::vector<std::u16string>& components,
+                              IOutputFile::EExisting existing) const {
+  const EFileKind kind = KindOf(components);
+  if (kind == EFileKind::kMissing) return;
+  if (kind == EFileKind::kFile && existing == IOutputFile::EExisting::kReplace) return;
+  NativePath path = fPath;
+  for (const std::u16string& component : components) path /= NativeFromText(component);
+  NSFileDetails::ThrowFileRefusal<NSMordel::XAlreadyExists>(
+      kind == EFileKind::kFile ? "the file is there already"
+                               : "something that is no file has the name",
+      path);
+}
+
+}  // namespace NSTolbrook

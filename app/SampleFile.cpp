@@ -1,0 +1,52 @@
+#include "app/SampleFile.h"
+
+#include "Parts/TolbrookPackage/Core/FileItem.h"
+
+#include "filetypes/dwop/DWOPFileEncoder.h"
+#include "filetypes/dwop/SourceRebuilder.h"
+#include "package/StdioMedia.h"
+
+namespace NSTambraPacking {
+
+namespace {
+
+using NSBigFilePackage::SharedMedia;
+using NSTolbrook::IOutputFile;
+
+/// By the first bytes; what is neither is refused as a WAVE file.
+EAudioContainer ContainerOf(const NSBigFilePackage::IMedia& file) {
+  std::array<std::uint8_t, 4> bytes{};
+  const bool isRead = file.Read(0, bytes) == bytes.size();
+  const bool isIFF = isRead && bytes == std::array<std::uint8_t, 4>{'F', 'O', 'R', 'M'};
+  return isIFF ? EAudioContainer::kAIFF : EAudioContainer::kWAVE;
+}
+
+CConvertedSample Convert(ESampleWork work, const SharedMedia& source, IOutputFile& file,
+                         const std::function<void()>& checkStop) {
+  if (work == ESampleWork::kDecode) {
+    const CRebuildReport report = RebuildSource(source, file, checkStop);
+    return {file.Size(), report.fByteForByte, report.fReason};
+  }
+  const CKeptReport report = EncodeAudioFile(source, ContainerOf(*source), file, checkStop);
+  return {file.Size(), report.fSourceKept, report.fReason};
+}
+
+}  // namespace
+
+CConvertedSample ConvertSample(ESampleWork work, const NSTolbrook::NativePath& input,
+                               const NSTolbrook::NativePath& output,
+                               IOutputFile::EExisting existing,
+                               const std::function<void()>& checkStop) {
+  const SharedMedia source = NSBigFilePackage::CStdioMedia::OpenForReading(input);
+  const NSTolbrook::NativePath parent = output.parent_path();
+  const NSTolbrook::COutputFolder folder(parent.empty() ? NSTolbrook::NativePath(".") : parent);
+  const std::vector<std::u16string> name = {NSTolbrook::CFileItem(output).Name()};
+  folder.CheckFree(name, existing);
+  const auto file = folder.NewFile();
+  CConvertedSample converted = Convert(work, source, *file, checkStop);
+  file->Flush();
+  file->CommitAs(name, existing);
+  return converted;
+}
+
+}  // namespace NSTambraPacking
