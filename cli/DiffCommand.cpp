@@ -8,9 +8,8 @@
 #include "cli/Commands.h"
 #include "cli/ExitStatus.h"
 #include "cli/JobSession.h"
+#include "cli/PackageFile.h"
 #include "cli/StopSignal.h"
-#include "package/PackageReader.h"
-#include "package/StdioMedia.h"
 
 namespace NSTambraCli {
 
@@ -127,9 +126,9 @@ CLI::App* CDiffCommand::Register(CLI::App& program) {
 
 SharedMedia CDiffCommand::Open(const std::string& name) {
   fSubject = name;
-  const auto media = NSBigFilePackage::CStdioMedia::OpenForReading(PathArgument(name));
-  NSTambraPacking::CPackageReader(media).ReadEntries();
-  return media;
+  const CPackageFile package = OpenPackage(name);
+  package.fReader.ReadEntries();
+  return package.fMedia;
 }
 
 int CDiffCommand::Run(const CGlobalOptions& options) {

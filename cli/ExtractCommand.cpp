@@ -8,9 +8,8 @@
 #include "cli/ExitStatus.h"
 #include "cli/FailureReport.h"
 #include "cli/JobSession.h"
+#include "cli/PackageFile.h"
 #include "cli/StopSignal.h"
-#include "package/PackageReader.h"
-#include "package/StdioMedia.h"
 
 namespace NSTambraCli {
 
@@ -126,11 +125,9 @@ CLI::App* CExtractCommand::Register(CLI::App& program) {
 }
 
 NSTambraPacking::CPackageEntries CExtractCommand::Select() const {
-  const auto media = NSBigFilePackage::CStdioMedia::OpenForReading(PathArgument(fFile));
   std::vector<std::u16string> names;
   for (const std::string& name : fNames) names.push_back(TextFromUtf8(name));
-  return NSTambraPacking::SelectEntries(NSTambraPacking::CPackageReader(media).ReadEntries(),
-                                        names);
+  return NSTambraPacking::SelectEntries(OpenPackage(fFile).fReader.ReadEntries(), names);
 }
 
 int CExtractCommand::Run(const CGlobalOptions& options) {

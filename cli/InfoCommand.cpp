@@ -6,8 +6,7 @@
 #include "cli/ExitStatus.h"
 #include "cli/JobSession.h"
 #include "cli/LabelledLines.h"
-#include "package/PackageReader.h"
-#include "package/StdioMedia.h"
+#include "cli/PackageFile.h"
 
 namespace NSTambraCli {
 
@@ -59,13 +58,13 @@ CLI::App* CInfoCommand::Register(CLI::App& program) {
 }
 
 int CInfoCommand::Run(const CGlobalOptions& options) {
-  const auto media = NSBigFilePackage::CStdioMedia::OpenForReading(PathArgument(fFile));
-  const CPackageHeader header = NSTambraPacking::CPackageReader(media).Header();
+  const CPackageFile package = OpenPackage(fFile);
+  const CPackageHeader& header = package.fReader.Header();
   const CConsole console = options.Console();
   if (console.Json()) {
-    PrintJson(console, header, media->Size());
+    PrintJson(console, header, package.fMedia->Size());
   } else {
-    PrintLines(console, LoadTexts(options), header, media->Size());
+    PrintLines(console, LoadTexts(options), header, package.fMedia->Size());
   }
   return kExitDone;
 }

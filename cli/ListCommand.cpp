@@ -7,8 +7,7 @@
 #include "cli/Commands.h"
 #include "cli/ExitStatus.h"
 #include "cli/JobSession.h"
-#include "package/PackageReader.h"
-#include "package/StdioMedia.h"
+#include "cli/PackageFile.h"
 
 namespace NSTambraCli {
 
@@ -16,18 +15,26 @@ namespace {
 
 using Entries = std::vector<std::shared_ptr<NSTambraPacking::CPackageEntry>>;
 
+std::string JsonText(const std::u16string& text) {
+  return nlohmann::json(NSTolbrook::Utf8FromText(text)).dump();
+}
+
+/// Written piece by piece: a tree of as many objects would take longer than all the rest.
 void PrintJson(const CConsole& console, const NSTambraPacking::CTextResources& texts,
                const Entries& entries) {
-  nlohmann::ordered_json list = nlohmann::ordered_json::array();
+  std::map<std::int32_t, std::string> names;  // as JSON
+  std::string list;
   for (const auto& entry : entries) {
-    list.push_back({{"path", NSTolbrook::Utf8FromText(entry->Path())},
-                    {"type", entry->TypeCode()},
-                    {"type_name", NSTolbrook::Utf8FromText(
-                                      NSTambraPacking::EntryTypeName(texts, entry->TypeCode()))},
-                    {"size", entry->Data()->Size()},
-                    {"flag", entry->Flag()}});
+    std::string& name = names[entry->TypeCode()];
+    if (name.empty()) {
+      name = JsonText(NSTambraPacking::EntryTypeName(texts, entry->TypeCode()));
+    }
+    list += list.empty() ? "{\"path\":" : ",{\"path\":";
+    list += JsonText(entry->Path()) + ",\"type\":" + std::to_string(entry->TypeCode()) +
+            ",\"type_name\":" + name + ",\"size\":" + std::to_string(entry->Data()->Size()) +
+            ",\"flag\":" + std::to_string(entry->Flag()) + "}";
   }
-  console.PrintJson({{"entries", std::move(list)}});
+  console.Print("{\"entries\":[" + list + "]}");
 }
 
 /// Size, type and path in columns that are as wide as what stands in them.
@@ -45,9 +52,10 @@ void PrintTable(const CConsole& console, const NSTambraPacking::CTextResources& 
     greatest = std::max(greatest, entry->Data()->Size());
   }
   const std::size_t sizeWidth = std::to_string(greatest).size();
+  for (auto& [code, name] : names) name = "  " + PadRight(name, nameWidth) + "  ";
   for (const auto& entry : entries) {
-    console.Print(PadLeft(std::to_string(entry->Data()->Size()), sizeWidth) + "  " +
-                  PadRight(names[entry->TypeCode()], nameWidth) + "  " + Printable(entry->Path()));
+    console.Print(PadLeft(std::to_string(entry->Data()->Size()), sizeWidth) +
+                  names[entry->TypeCode()] + Printable(entry->Path()));
   }
   console.Note(Printable(texts.Text(NSTambraPacking::kListTotal,
                                     {NSTolbrook::TextFromUtf8(std::to_string(entries.size())),
@@ -70,8 +78,7 @@ CLI::App* CListCommand::Register(CLI::App& program) {
 }
 
 int CListCommand::Run(const CGlobalOptions& options) {
-  const auto media = NSBigFilePackage::CStdioMedia::OpenForReading(PathArgument(fFile));
-  const Entries entries = NSTambraPacking::CPackageReader(media).ReadEntries();
+  const Entries entries = OpenPackage(fFile).fReader.ReadEntries();
   const CConsole console = options.Console();
   const NSTambraPacking::CTextResources texts = LoadTexts(options);
   if (console.Json()) {

@@ -6,10 +6,9 @@
 #include "cli/Commands.h"
 #include "cli/JobSession.h"
 #include "cli/PackCommand.h"
+#include "cli/PackageFile.h"
 #include "cli/StopSignal.h"
 #include "filetypes/PackedEntryVerifier.h"
-#include "package/PackageReader.h"
-#include "package/StdioMedia.h"
 
 namespace NSTambraCli {
 
@@ -103,12 +102,11 @@ int CVerifyCommand::Run(const CGlobalOptions& options) {
   const CTextResources texts = LoadTexts(options);
   const auto library = LoadLoopLibrary(options);
   const CStopSignal signal;
-  const auto media = NSBigFilePackage::CStdioMedia::OpenForReading(PathArgument(fFile));
-  const NSTambraPacking::CPackageReader reader(media);
-  NSTambraPacking::CPackedEntryVerifier entryVerifier(reader.Header().fTambraName, library.get(),
-                                                      CStopSignal::Requested);
+  const CPackageFile package = OpenPackage(fFile);
+  NSTambraPacking::CPackedEntryVerifier entryVerifier(package.fReader.Header().fTambraName,
+                                                      library.get(), CStopSignal::Requested);
   if (fQuick) {
-    const auto entries = reader.ReadEntries();
+    const auto entries = package.fReader.ReadEntries();
     entryVerifier.TakeEntries(entries);
     return ReportStructure(console, texts, entries.size());
   }
@@ -116,7 +114,7 @@ int CVerifyCommand::Run(const CGlobalOptions& options) {
   verification.fJobs = fJobs == 0 ? DefaultJobs() : fJobs;
   const CVerificationResult result =
       NSTambraPacking::CPackageVerifier(entryVerifier, nullptr, nullptr)
-          .Verify(media, verification);
+          .Verify(package.fMedia, verification);
   const bool isSound = result.fFailed.empty() && result.fBroken.empty();
   if (console.Json()) {
     PrintJson(console, result, isSound);

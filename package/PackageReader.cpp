@@ -83,11 +83,13 @@ std::vector<std::shared_ptr<CPackageEntry>> CPackageReader::ReadEntries() const 
   const std::uint64_t dataStart = fHeader.fDataStart;
   CPartialMedia upToIndexEnd(fBuffered, 0, regions.fIndexEnd);
   CMediaCursor cursor(upToIndexEnd, fHeader.fIndexStart);
+  // Its size is known, where a file has to ask the system once for each entry.
+  const auto whole = std::make_shared<CPartialMedia>(fPackage, 0, fBuffered->Size());
   std::vector<std::shared_ptr<CPackageEntry>> entries;
   for (std::uint32_t i = 0; i < fHeader.fFileCount; ++i) {
     CIndexEntry entry = ReadIndexEntry(cursor);
     CheckInsideData(entry.fOffset, entry.fSize, regions.fDataEnd - dataStart, entry.fName);
-    auto data = std::make_shared<CPartialMedia>(fPackage, dataStart + entry.fOffset, entry.fSize);
+    auto data = std::make_shared<CPartialMedia>(whole, dataStart + entry.fOffset, entry.fSize);
     entries.push_back(
         MakePackageEntry(std::move(entry.fName), entry.fTypeCode, entry.fFlag, std::move(data)));
   }
