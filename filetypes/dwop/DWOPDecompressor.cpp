@@ -1,107 +1,90 @@
 #include "filetypes/dwop/DWOPDecompressor.h"
 
 #include <algorithm>
-#include <bit>
+#include <cstring>
 
-#include "Parts/TolbrookPackage/Core/Exception.h"
+#include "filetypes/dwop/DWOPDecodeKernels.h"
+#include "filetypes/dwop/DWOPFormat.h"
 
 namespace NSTambraPacking {
 
 namespace {
 
-constexpr unsigned kWordBits = 32;
-constexpr unsigned kBufferBits = 64;
+constexpr std::size_t kPieceBytes = kDWOPReadWords * sizeof(std::uint32_t);
+/// With fewer bytes at hand more are read, if there are any. No frame is longer (two values of at
+/// most 145 bits: 15 escapes of 7, since each quadruples a modulus below 2^30, then 7 bits with the
+/// one bit and 33 of remainder), and each kernel gets on with so many.
+constexpr std::size_t kFewBytes = 96;
 
 }  // namespace
 
-COptimizedDWOPDecompressor::COptimizedDWOPDecompressor(const CDWOPHeader& header)
-    : fChannels(header.fChannels), fWidth(header.fWidth) {}
+COptimizedDWOPDecompressor::COptimizedDWOPDecompressor(const CDWOPHeader& header, EDWOPForm form)
+    : fForm(form), fState{} {
+  fState.fChannelCount = header.fChannels;
+  fState.fWidth = header.fWidth;
+  for (CDWOPDecodeChannel& channel : fState.fChannels) {
+    std::ranges::fill(channel.fSums, kDWOPInitialSum);
+  }
+}
 
 void COptimizedDWOPDecompressor::Decode(std::span<std::int32_t> interleaved) {
-  if (fChannels == 1) {
-    for (std::int32_t& sample : interleaved) sample = Narrow(DecodeValue(fPredictors[0]));
-    return;
-  }
-  for (std::size_t i = 0; i + 1 < interleaved.size(); i += 2) {
-    const std::uint32_t left = DecodeValue(fPredictors[0]);
-    const std::uint32_t right = left + DecodeValue(fPredictors[1]);
-    interleaved[i] = Narrow(left);
-    interleaved[i + 1] = Narrow(right);
-  }
-}
-
-std::uint32_t COptimizedDWOPDecompressor::DecodeValue(CDWOPPredictor& predictor) {
-  const std::size_t order = predictor.BestOrder();
-  const std::uint32_t zigzag = ReadResidual(predictor.Modulus(order));
-  const std::uint32_t value = predictor.ValueFromError(order, ErrorFromZigzag(zigzag));
-  predictor.Advance(value);
-  predictor.UpdateSums();
-  return value;
-}
-
-std::uint32_t COptimizedDWOPDecompressor::ReadResidual(std::uint32_t modulus) {
-  std::uint32_t value = 0;
-  std::uint32_t zeros = ReadZeros();
-  for (; zeros == kDWOPEscapeZeros; zeros = ReadZeros()) {
-    if (modulus >= kDWOPEscapeLimit) {
-      throw NSMordel::XFormatViolation("a DWOP residual is beyond 32 bits");
+  std::int32_t* output = interleaved.data();
+  for (std::size_t left = interleaved.size() / fState.fChannelCount; left > 0;) {
+    if (fState.fByteCount - fState.fBit / 8 < kFewBytes && !fAtEnd) TakeWords();
+    std::size_t done = DecodeBulk(output, left);
+    if (done == 0) {
+      DecodeDWOPFrame(fState, output);
+      done = 1;
     }
-    value += kDWOPEscapeZeros * modulus;
-    modulus <<= kDWOPEscapeShift;
+    output += done * fState.fChannelCount;
+    left -= done;
   }
-  const auto length = static_cast<unsigned>(std::bit_width(modulus));
-  const auto shortCodes = static_cast<std::uint32_t>((std::uint64_t{1} << length) - modulus);
-  std::uint32_t remainder = ReadBits(length - 1);
-  if (remainder >= shortCodes) remainder = (remainder << 1) + ReadBits(1) - shortCodes;
-  return value + zeros * modulus + remainder;
 }
 
-std::uint32_t COptimizedDWOPDecompressor::ReadZeros() {
-  std::uint32_t zeros = 0;
-  while (zeros < kDWOPEscapeZeros) {
-    if (fAvailable == 0) Refill();
-    const unsigned run = std::min({static_cast<unsigned>(std::countl_zero(fBits)), fAvailable,
-                                   static_cast<unsigned>(kDWOPEscapeZeros - zeros)});
-    fBits <<= run;
-    fAvailable -= run;
-    zeros += run;
-    if (zeros < kDWOPEscapeZeros && fAvailable > 0) {
-      fBits <<= 1;
-      --fAvailable;
-      break;
+std::size_t COptimizedDWOPDecompressor::DecodeBulk(std::int32_t* output, std::size_t frames) {
+#ifdef TAMBRA_AVX2
+  if (fForm == EDWOPForm::kAVX2) {
+    if (fOthers == 0) {
+      const std::size_t done = DecodeDWOPFramesAVX2(fState, output, frames, fOthers);
+      if (done > 0) return done;
     }
+    frames = std::min(frames, fOthers);
+    const std::size_t done = DecodeDWOPFrames(fState, output, frames);
+    // At least one, which is decoded by itself.
+    fOthers -= std::max<std::size_t>(done, 1);
+    return done;
   }
-  return zeros;
+#endif
+  return DecodeDWOPFrames(fState, output, frames);
 }
 
-std::uint32_t COptimizedDWOPDecompressor::ReadBits(unsigned count) {
-  if (count == 0) return 0;
-  if (fAvailable < count) Refill();
-  const auto value = static_cast<std::uint32_t>(fBits >> (kBufferBits - count));
-  fBits <<= count;
-  fAvailable -= count;
-  return value;
+std::uint64_t COptimizedDWOPDecompressor::WordsConsumed() const {
+  return (fPassedBytes * 8 + fState.fBit + 31) / 32;
 }
 
-void COptimizedDWOPDecompressor::Refill() {
-  if (fWords.empty()) fWords = ReadWords();
-  fBits |= std::uint64_t{fWords.front()} << (kBufferBits - kWordBits - fAvailable);
-  fAvailable += kWordBits;
-  fWords = fWords.subspan(1);
-  ++fWordsConsumed;
-}
-
-std::int32_t COptimizedDWOPDecompressor::Narrow(std::uint32_t value) const {
-  const unsigned unused = kWordBits - fWidth;
-  return static_cast<std::int32_t>(value << unused) >> unused;
+void COptimizedDWOPDecompressor::TakeWords() {
+  if (!fBuffer) {
+    fBuffer = std::make_unique_for_overwrite<std::uint8_t[]>(kFewBytes + kPieceBytes);
+  }
+  const std::size_t used = fState.fBit / 8;
+  const std::size_t kept = fState.fByteCount - used;
+  if (kept > 0) std::memmove(fBuffer.get(), fBuffer.get() + used, kept);
+  fPassedBytes += used;
+  fState.fBit %= 8;
+  fState.fBytes = fBuffer.get();
+  fState.fByteCount = kept;
+  const std::size_t count = ReadWords({fBuffer.get() + kept, kPieceBytes});
+  fState.fByteCount += count;
+  fAtEnd = count == 0;
 }
 
 COptimizedDWOPDecompressorFromMedia::COptimizedDWOPDecompressorFromMedia(
-    const CDWOPHeader& header, const NSBigFilePackage::IMedia& media, std::uint64_t position)
-    : COptimizedDWOPDecompressor(header), fSource(media, position) {}
+    const CDWOPHeader& header, const NSBigFilePackage::IMedia& media, std::uint64_t position,
+    EDWOPForm form)
+    : COptimizedDWOPDecompressor(header, form), fSource(media, position) {}
 
-std::span<const std::uint32_t> COptimizedDWOPDecompressorFromMedia::ReadWords() {
-  return fSource.ReadWords();
+std::size_t COptimizedDWOPDecompressorFromMedia::ReadWords(std::span<std::uint8_t> destination) {
+  return fSource.ReadWords(destination);
 }
 
 }  // namespace NSTambraPacking

@@ -1,14 +1,15 @@
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
 
 #include "Parts/TolbrookPackage/Core/Media.h"
 
+#include "filetypes/dwop/DWOPDecodeState.h"
+#include "filetypes/dwop/DWOPForm.h"
 #include "filetypes/dwop/DWOPHeader.h"
-#include "filetypes/dwop/DWOPPredictor.h"
 #include "filetypes/dwop/DWOPWordSource.h"
 
 namespace NSTambraPacking {
@@ -26,45 +27,44 @@ class COptimizedDWOPDecompressor {
 
   /// The words of which at least one bit was used: after the last frame, the length of the residual
   /// bit stream.
-  std::uint64_t WordsConsumed() const { return fWordsConsumed; }
+  std::uint64_t WordsConsumed() const;
 
  protected:
-  /// Decodes channels and width of `header`.
-  explicit COptimizedDWOPDecompressor(const CDWOPHeader& header);
+  /// Decodes channels and width of `header`, by a form that this processor must be able to run.
+  COptimizedDWOPDecompressor(const CDWOPHeader& header, EDWOPForm form);
   COptimizedDWOPDecompressor(const COptimizedDWOPDecompressor&) = delete;
   COptimizedDWOPDecompressor& operator=(const COptimizedDWOPDecompressor&) = delete;
 
-  /// The next words, at least one, valid until the next call; throws when there are none.
-  virtual std::span<const std::uint32_t> ReadWords() = 0;
+  /// Reads the bytes of the next whole words to the front of `destination` and returns their
+  /// number: 0 behind the last word only.
+  virtual std::size_t ReadWords(std::span<std::uint8_t> destination) = 0;
 
  private:
-  void Refill();
-  std::uint32_t ReadBits(unsigned count);
-  /// Zero bits up to seven; fewer than seven are followed by a one bit, which is taken too.
-  std::uint32_t ReadZeros();
-  std::uint32_t ReadResidual(std::uint32_t modulus);
-  std::uint32_t DecodeValue(CDWOPPredictor& predictor);
-  std::int32_t Narrow(std::uint32_t value) const;
+  /// Moves on in the stream; the buffer holds kFewBytes or more afterwards, or the stream's end.
+  void TakeWords();
+  /// Decodes some of the frames, 0 when the next one is not for the kernels.
+  std::size_t DecodeBulk(std::int32_t* output, std::size_t frames);
 
-  unsigned fChannels;
-  unsigned fWidth;
-  std::array<CDWOPPredictor, 2> fPredictors;
-  std::span<const std::uint32_t> fWords;
-  std::uint64_t fWordsConsumed = 0;
-  /// The next fAvailable (0 to 63) bits of the stream, the first in the highest bit; zeros below.
-  std::uint64_t fBits = 0;
-  unsigned fAvailable = 0;
+  EDWOPForm fForm;
+  /// So many frames are not for the form's own kernel.
+  std::size_t fOthers = 0;
+  CDWOPDecodeState fState;
+  /// The bytes of the stream that fState decodes, and a few that were read before them.
+  std::unique_ptr<std::uint8_t[]> fBuffer;
+  /// Bytes that are no longer in the buffer.
+  std::uint64_t fPassedBytes = 0;
+  bool fAtEnd = false;
 };
 
 /// Decodes the residual bit stream that begins at a position of a media, which must outlive it.
 class COptimizedDWOPDecompressorFromMedia final : public COptimizedDWOPDecompressor {
  public:
   COptimizedDWOPDecompressorFromMedia(const CDWOPHeader& header,
-                                      const NSBigFilePackage::IMedia& media,
-                                      std::uint64_t position);
+                                      const NSBigFilePackage::IMedia& media, std::uint64_t position,
+                                      EDWOPForm form = FastestDWOPForm());
 
  private:
-  std::span<const std::uint32_t> ReadWords() override;
+  std::size_t ReadWords(std::span<std::uint8_t> destination) override;
 
   CDWOPWordSource fSource;
 };
