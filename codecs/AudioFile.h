@@ -3,12 +3,14 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 
 #include "Parts/TolbrookPackage/Core/Media.h"
 
 #include "codecs/AudioFormat.h"
 #include "codecs/SampleDecoder.h"
+#include "codecs/SamplePacking.h"
 
 namespace NSTambraPacking {
 
@@ -29,8 +31,19 @@ class CAudioFile {
   /// XRead when the media fails or has been cut meanwhile.
   std::size_t ReadFrames(std::span<std::int32_t> interleaved);
 
+  /// How the file holds its samples, when those are integers of 16 or 24 bits, which need no
+  /// decoding; else nothing.
+  std::optional<ESamplePacking> Packing() const;
+
+  /// As ReadFrames, but as the file holds them, for a file with a packing. A file is read in one of
+  /// both ways.
+  std::size_t ReadPacked(std::span<std::uint8_t> interleaved);
+
  private:
   CAudioFile(NSBigFilePackage::SharedMedia media, const CAudioHeader& header);
+
+  /// Takes as many of the frames that are left as `most`.
+  std::size_t TakeFrames(std::size_t most);
 
   NSBigFilePackage::SharedMedia fMedia;
   CAudioHeader fHeader;

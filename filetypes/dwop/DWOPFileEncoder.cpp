@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <span>
@@ -13,6 +14,7 @@
 #include "filetypes/dwop/DWOPExtraInfo.h"
 #include "filetypes/dwop/PlainWAVE.h"
 #include "filetypes/dwop/SourceWithoutSamples.h"
+#include "filetypes/dwop/ThreadRoom.h"
 
 namespace NSTambraPacking {
 
@@ -22,16 +24,14 @@ using NSBigFilePackage::CMediaCursor;
 using NSBigFilePackage::IMedia;
 using NSBigFilePackage::SharedMedia;
 
-/// The samples of an audio file as the encoder asks for them.
-class CAudioFileSamples : public ISampleSource {
- public:
-  explicit CAudioFileSamples(CAudioFile& file) : fFile(file) {}
-  std::size_t ReadFrames(std::span<std::int32_t> interleaved) override {
-    return fFile.ReadFrames(interleaved);
-  }
+/// Samples are read and coded in pieces of so many bytes, 4-byte integers where they are decoded.
+constexpr std::size_t kPieceLength = 131072;
 
- private:
-  CAudioFile& fFile;
+struct CPiece {
+  alignas(std::int32_t) std::array<std::uint8_t, kPieceLength> fBytes;
+  std::span<std::int32_t> Integers() {
+    return {reinterpret_cast<std::int32_t*>(fBytes.data()), kPieceLength / sizeof(std::int32_t)};
+  }
 };
 
 CDWOPHeader HeaderFor(const CAudioFormat& format, const CInstrument& instrument) {
@@ -80,6 +80,25 @@ CKeptReport JudgeKept(const CAudioFormat& format, const CSampleChunkLayout& layo
   return {};
 }
 
+void EncodeSamples(CAudioFile& file, CMediaCursor& output, const std::function<void()>& checkStop) {
+  const unsigned channels = file.Format().fChannels;
+  CDWOPEncoder encoder(output, channels);
+  const CThreadRoom<CPiece> piece;
+  for (;;) {
+    if (checkStop) checkStop();
+    if (const auto packing = file.Packing()) {
+      const std::size_t frames = file.ReadPacked(piece->fBytes);
+      if (frames == 0) break;
+      encoder.Encode(*packing, std::span(piece->fBytes).first(frames * file.Format().FrameBytes()));
+    } else {
+      const std::size_t frames = file.ReadFrames(piece->Integers());
+      if (frames == 0) break;
+      encoder.Encode(std::span<const std::int32_t>(piece->Integers().first(frames * channels)));
+    }
+  }
+  encoder.Finish();
+}
+
 }  // namespace
 
 CKeptReport EncodeAudioFile(const SharedMedia& source, EAudioContainer container,
@@ -88,8 +107,8 @@ CKeptReport EncodeAudioFile(const SharedMedia& source, EAudioContainer container
   CheckAudioFormat(file.Format());
   const CDWOPHeader header = HeaderFor(file.Format(), file.Instrument());
   CMediaCursor output(destination);
-  CAudioFileSamples samples(file);
-  EncodeDWOP(header, samples, output, checkStop);
+  WriteDWOPHeader(output, header);
+  EncodeSamples(file, output, checkStop);
   if (IsPlainWAVE(*source, header)) return {};
   WriteExtraInfo(output, CSourceWithoutSamples(source, container, file.Layout()), checkStop);
   return JudgeKept(file.Format(), file.Layout());

@@ -34,10 +34,10 @@ inline constexpr unsigned kDWOPEscapeShift = 2;
 /// a modulus is beyond every 32-bit value.
 inline constexpr std::uint32_t kDWOPEscapeLimit = std::uint32_t{1} << 30;
 
-/// Samples are coded in blocks of so many frames, written in buffers of so many bytes and read in
-/// pieces of so many words.
+/// Samples are decoded in blocks of so many frames; streams are written in pieces of so many bytes
+/// and read in pieces of so many words.
 inline constexpr std::size_t kDWOPBlockFrames = 4096;
-inline constexpr std::size_t kDWOPWriteBufferLength = 4096;
+inline constexpr std::size_t kDWOPWriteLength = 65536;
 inline constexpr std::size_t kDWOPReadWords = 16384;
 
 /// Extra info block: kBegin, kMark, u32 length, the data, kMark, the length again, kEnd.
