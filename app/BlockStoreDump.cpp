@@ -83,12 +83,12 @@ void DumpSlots(CFieldDump& dump, const CBlockFile& file, const std::optional<CCh
 
 void DumpDirectory(CFieldDump& dump, const CStoredDirectory& directory) {
   dump.Part("directory", {}, [&] { dump.U32("count", "streams"); });
-  for (const auto& [identifier, stream] : directory.fStreams) {
-    dump.Part("stream", TextFromUtf8(std::to_string(identifier)), [&] {
+  for (const auto& stream : directory.fStreams) {
+    dump.Part("stream", TextFromUtf8(std::to_string(stream.first)), [&] {
       dump.U32("identifier");
       dump.U64("length", "bytes");
       dump.U64("block count");
-      for (std::size_t i = 0; i < stream.fBlocks.size(); ++i) dump.U64("block number");
+      for (std::size_t i = 0; i < stream.second.fBlocks.size(); ++i) dump.U64("block number");
       dump.Bytes("end", kStreamEnd.size(), {});
     });
   }
