@@ -83,11 +83,13 @@ inline void CDWOPBitPosition::AppendResidual(std::uint32_t value, std::uint32_t 
   const std::uint32_t remainder = value - quotient * modulus;
   // With 2^t the power of two that is not above m: the short code is s = 2^t + r, the long one, for
   // s >= 3 * 2^t - m, has one bit more and is s + 3 * 2^t - m.
-  const auto topBit = static_cast<unsigned>(std::bit_width(modulus)) - 1;
-  const std::uint64_t code = (std::uint64_t{1} << topBit) + remainder;
-  const std::uint64_t limit = (std::uint64_t{3} << topBit) - modulus;
-  const bool isLong = code >= limit;
-  Append(code + (isLong ? limit : 0), quotient + 1 + topBit + (isLong ? 1 : 0));
+  const unsigned topBit = 31u ^ static_cast<unsigned>(std::countl_zero(modulus));
+  const std::uint64_t power = std::uint64_t{1} << topBit;
+  const std::uint64_t code = power + remainder;
+  const std::uint64_t limit = 3 * power - modulus;
+  // 1 or 0 by arithmetic: a branch would be mispredicted every other time.
+  const std::uint64_t isLong = (limit - 1 - code) >> 63;
+  Append(code + (limit & (0 - isLong)), quotient + 1 + topBit + static_cast<unsigned>(isLong));
 }
 
 }  // namespace NSTambraPacking

@@ -5,23 +5,24 @@
 
 #include "filetypes/dwop/DWOPDecodeState.h"
 
-/// The decoder's inner loops. A kernel decodes frames only while it is sure of them: it stops in
-/// front of an escape, of a state that it does not handle, and of the last few bytes at hand (from
-/// which it never reads beyond). Whoever calls goes on with the next slower kernel.
 namespace NSTambraPacking {
 
-/// Writes up to `frames` frames, interleaved, to `output` and returns their number. Plain C++,
-/// exact for every state.
+/// Bytes from the next bit on with which both DecodeDWOPFrames get on.
+inline constexpr std::size_t kDWOPKernelBytes = 96;
+/// As many frames behind a state in which they do not are best left to DecodeDWOPFrame.
+inline constexpr std::size_t kDWOPFramesApart = 256;
+
+/// Decodes up to `frames` frames, writes them interleaved to `output` and returns their number. It
+/// stops where the next few bytes are the last at hand, never reading beyond, and in front of a
+/// block in which there is something that only damage or rare extremes bring about. The state is at
+/// the boundary of a frame. In plain C++.
 std::size_t DecodeDWOPFrames(CDWOPDecodeState& state, std::int32_t* output, std::size_t frames);
 
-/// As DecodeDWOPFrames, for processors that can run EDWOPForm::kAVX2. `others` is set to the number
-/// of frames (at least 1) that are better left to the other kernels before this one is called
-/// again.
-std::size_t DecodeDWOPFramesAVX2(CDWOPDecodeState& state, std::int32_t* output, std::size_t frames,
-                                 std::size_t& others);
+/// The same for processors that can run EDWOPForm::kAVX2.
+std::size_t DecodeDWOPFramesAVX2(CDWOPDecodeState& state, std::int32_t* output, std::size_t frames);
 
-/// Decodes one frame bit by bit, escapes included. Throws XFormatViolation "zero length sample"
-/// when it needs a bit behind the bytes at hand, and for an escape that no encoder writes.
+/// Decodes one frame, whatever it is. Throws XFormatViolation "zero length sample" when it needs a
+/// bit behind the bytes at hand, and for an escape that no encoder writes.
 void DecodeDWOPFrame(CDWOPDecodeState& state, std::int32_t* output);
 
 }  // namespace NSTambraPacking

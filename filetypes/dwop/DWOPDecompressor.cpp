@@ -11,10 +11,10 @@ namespace NSTambraPacking {
 namespace {
 
 constexpr std::size_t kPieceBytes = kDWOPReadWords * sizeof(std::uint32_t);
-/// With fewer bytes at hand more are read, if there are any. No frame is longer (two values of at
-/// most 145 bits: 15 escapes of 7, since each quadruples a modulus below 2^30, then 7 bits with the
-/// one bit and 33 of remainder), and each kernel gets on with so many.
-constexpr std::size_t kFewBytes = 96;
+/// With fewer bytes at hand more are read, if there are any. No frame is longer: it has two values
+/// of at most 145 bits (15 escapes of 7, since each quadruples a modulus below 2^30, then 7 bits
+/// with the one bit and 33 of remainder).
+constexpr std::size_t kFewBytes = kDWOPKernelBytes;
 
 }  // namespace
 
@@ -42,20 +42,17 @@ void COptimizedDWOPDecompressor::Decode(std::span<std::int32_t> interleaved) {
 }
 
 std::size_t COptimizedDWOPDecompressor::DecodeBulk(std::int32_t* output, std::size_t frames) {
-#ifdef TAMBRA_AVX2
-  if (fForm == EDWOPForm::kAVX2) {
-    if (fOthers == 0) {
-      const std::size_t done = DecodeDWOPFramesAVX2(fState, output, frames, fOthers);
-      if (done > 0) return done;
-    }
-    frames = std::min(frames, fOthers);
-    const std::size_t done = DecodeDWOPFrames(fState, output, frames);
-    // At least one, which is decoded by itself.
-    fOthers -= std::max<std::size_t>(done, 1);
-    return done;
+  if (fFramesApart > 0) {
+    --fFramesApart;
+    return 0;
   }
+  const std::size_t done =
+#ifdef TAMBRA_AVX2
+      fForm == EDWOPForm::kAVX2 ? DecodeDWOPFramesAVX2(fState, output, frames) :
 #endif
-  return DecodeDWOPFrames(fState, output, frames);
+                                DecodeDWOPFrames(fState, output, frames);
+  if (done == 0) fFramesApart = kDWOPFramesApart - 1;
+  return done;
 }
 
 std::uint64_t COptimizedDWOPDecompressor::WordsConsumed() const {

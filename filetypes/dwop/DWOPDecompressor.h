@@ -46,8 +46,8 @@ class COptimizedDWOPDecompressor {
   std::size_t DecodeBulk(std::int32_t* output, std::size_t frames);
 
   EDWOPForm fForm;
-  /// So many frames are not for the form's own kernel.
-  std::size_t fOthers = 0;
+  /// So many frames are to be decoded by themselves.
+  std::size_t fFramesApart = 0;
   CDWOPDecodeState fState;
   /// The bytes of the stream that fState decodes, and a few that were read before them.
   std::unique_ptr<std::uint8_t[]> fBuffer;

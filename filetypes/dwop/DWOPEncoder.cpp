@@ -43,8 +43,7 @@ void CDWOPEncoder::Encode(ESamplePacking packing, std::span<const std::uint8_t> 
   const std::size_t frameBytes = SampleBytes(packing) * fChannels;
   CPackedFrames left{interleaved.data(), interleaved.size() / frameBytes, packing, fChannels};
   while (left.fFrames > 0) {
-    std::size_t done = 0;
-    if (fForm == EDWOPForm::kAVX2) done = fRoom->fLanes.Code(left, fStates.data(), fWriter);
+    std::size_t done = fRoom->fLanes.Code(fForm, left, fStates.data(), fWriter);
     if (done == 0) {
       done = std::min(left.fFrames, CDWOPLaneCoder::kMostSegmentFrames);
       CodeDWOPValues(left.Part(0, done), fStates.data(), fWriter);

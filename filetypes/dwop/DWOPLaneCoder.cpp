@@ -39,15 +39,21 @@ bool HasSums(const CDWOPLaneMark& mark, std::size_t lane, const CDWOPEncodeState
   return true;
 }
 
+bool CodeLanes([[maybe_unused]] EDWOPForm form, const CDWOPLaneJob& job) {
+#ifdef TAMBRA_AVX2
+  if (form == EDWOPForm::kAVX2) return CodeDWOPLanesAVX2(job);
+#endif
+  return CodeDWOPLanesPortably(job);
+}
+
 }  // namespace
 
 bool CDWOPLaneCoder::IsWorthIt(std::size_t frames, unsigned channels) {
   return SegmentFrames(frames, channels) >= kFewestSegmentFrames;
 }
 
-std::size_t CDWOPLaneCoder::Code(const CPackedFrames& frames, CDWOPEncodeState* states,
-                                 CDWOPBitWriter& writer) {
-#ifdef TAMBRA_AVX2
+std::size_t CDWOPLaneCoder::Code(EDWOPForm form, const CPackedFrames& frames,
+                                 CDWOPEncodeState* states, CDWOPBitWriter& writer) {
   const std::size_t length = SegmentFrames(frames.fFrames, frames.fChannels);
   const std::size_t segments = kDWOPLanes / frames.fChannels;
   if (length < kFewestSegmentFrames || !LiesWithin24Bits(frames.Part(0, length * segments))) {
@@ -65,14 +71,11 @@ std::size_t CDWOPLaneCoder::Code(const CPackedFrames& frames, CDWOPEncodeState* 
     job.fBuffers[i] = fBuffers + i * job.fCapacity;
   }
   job.fMarks = fMarks;
-  if (!CodeDWOPLanesAVX2(job)) return 0;
+  if (!CodeLanes(form, job)) return 0;
   for (std::size_t i = 0; i < segments; ++i) {
     TakeSegment(frames.Part(i * length, length), i, states, writer);
   }
   return length * segments;
-#else
-  return 0;
-#endif
 }
 
 void CDWOPLaneCoder::TakeSegment(const CPackedFrames& segment, std::size_t index,

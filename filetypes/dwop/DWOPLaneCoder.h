@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "filetypes/dwop/DWOPBitWriter.h"
+#include "filetypes/dwop/DWOPForm.h"
 #include "filetypes/dwop/DWOPLanes.h"
 #include "filetypes/dwop/DWOPValueCoder.h"
 
@@ -28,7 +29,8 @@ class CDWOPLaneCoder {
 
   /// Codes the front of `frames` and returns how much of it, which is 0 when the values or their
   /// codes are too large. Throws as Write of the writer's media.
-  std::size_t Code(const CPackedFrames& frames, CDWOPEncodeState* states, CDWOPBitWriter& writer);
+  std::size_t Code(EDWOPForm form, const CPackedFrames& frames, CDWOPEncodeState* states,
+                   CDWOPBitWriter& writer);
 
  private:
   static constexpr std::size_t kBufferBytes = 40960 * 4;

@@ -58,6 +58,7 @@ struct CDWOPLaneJob {
 
 /// Codes all segments into their buffers. Values must lie within 24 bits. False when a buffer might
 /// not hold its bits: nothing that was written counts then.
+bool CodeDWOPLanesPortably(const CDWOPLaneJob& job);
 bool CodeDWOPLanesAVX2(const CDWOPLaneJob& job);
 
 }  // namespace NSTambraPacking

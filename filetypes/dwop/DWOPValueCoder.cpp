@@ -16,10 +16,17 @@ constexpr std::uint32_t Zigzag(std::uint32_t error) {
   return (error << 1) ^ (std::uint32_t{0} - (error >> 31));
 }
 
-/// A channel's state in variables that a loop can keep in registers.
-class CChannel {
+/// What is to be written for one value: the error of the chosen order, folded, and its modulus.
+struct CResidual {
+  std::uint32_t fZigzag;
+  std::uint32_t fModulus;
+};
+
+/// Predicts the values of one channel. Writing is left to a loop of its own, so that the state
+/// stays in registers here.
+class CPredictor {
  public:
-  explicit CChannel(const CDWOPEncodeState& state)
+  explicit CPredictor(const CDWOPEncodeState& state)
       : fError0(state.fErrors[0]),
         fError1(state.fErrors[1]),
         fError2(state.fErrors[2]),
@@ -34,7 +41,7 @@ class CChannel {
     return {{fError0, fError1, fError2, fError3}, {fSum0, fSum1, fSum2, fSum3, fSum4}};
   }
 
-  void Code(std::uint32_t value, CDWOPBitPosition& position) {
+  CResidual Predict(std::uint32_t value) {
     const std::uint32_t error1 = value - fError0;
     const std::uint32_t error2 = error1 - fError1;
     const std::uint32_t error3 = error2 - fError2;
@@ -48,6 +55,7 @@ class CChannel {
     const std::uint32_t zigzag2 = Zigzag(error2);
     const std::uint32_t zigzag3 = Zigzag(error3);
     const std::uint32_t zigzag4 = Zigzag(error4);
+    // The order with the smallest sum before this value; of equals the lowest.
     std::uint32_t sum = fSum0;
     std::uint32_t zigzag = zigzag0;
     Prefer(fSum1, zigzag1, sum, zigzag);
@@ -59,8 +67,8 @@ class CChannel {
     Follow(fSum2, zigzag2);
     Follow(fSum3, zigzag3);
     Follow(fSum4, zigzag4);
-    // Sums that wrapped around can make it 0.
-    position.AppendResidual(zigzag, std::max<std::uint32_t>(((sum + 12) * 3) >> 7, 1));
+    // Sums that wrapped around can make the modulus 0.
+    return {zigzag, std::max<std::uint32_t>(((sum + 12) * 3) >> 7, 1)};
   }
 
  private:
@@ -69,35 +77,25 @@ class CChannel {
     bestZigzag = sum < bestSum ? zigzag : bestZigzag;
     bestSum = sum < bestSum ? sum : bestSum;
   }
-  static void Follow(std::uint32_t& sum, std::uint32_t zigzag) { sum += zigzag - (sum >> 5); }
+  static void Follow(std::uint32_t& sum, std::uint32_t zigzag) {
+    sum = (sum + zigzag) - (sum >> 5);
+  }
 
   std::uint32_t fError0, fError1, fError2, fError3;
   std::uint32_t fSum0, fSum1, fSum2, fSum3, fSum4;
 };
 
-CDWOPBitPosition CodeMono(std::span<const std::int32_t> samples, CDWOPEncodeState* states,
-                          CDWOPBitPosition position) {
-  CChannel channel(states[0]);
-  for (const std::int32_t sample : samples) {
-    channel.Code(static_cast<std::uint32_t>(sample), position);
+/// Predicts a channel of interleaved samples; the second one is the difference of right and left.
+template <unsigned Channels, unsigned Channel>
+void Predict(std::span<const std::int32_t> samples, CDWOPEncodeState& state,
+             std::span<CResidual> residuals) {
+  CPredictor predictor(state);
+  for (std::size_t i = Channel; i < samples.size(); i += Channels) {
+    auto value = static_cast<std::uint32_t>(samples[i]);
+    if constexpr (Channel == 1) value -= static_cast<std::uint32_t>(samples[i - 1]);
+    residuals[i] = predictor.Predict(value);
   }
-  states[0] = channel.State();
-  return position;
-}
-
-CDWOPBitPosition CodeStereo(std::span<const std::int32_t> samples, CDWOPEncodeState* states,
-                            CDWOPBitPosition position) {
-  CChannel leftChannel(states[0]);
-  CChannel difference(states[1]);
-  for (std::size_t i = 0; i + 1 < samples.size(); i += 2) {
-    const auto left = static_cast<std::uint32_t>(samples[i]);
-    const auto right = static_cast<std::uint32_t>(samples[i + 1]);
-    leftChannel.Code(left, position);
-    difference.Code(right - left, position);
-  }
-  states[0] = leftChannel.State();
-  states[1] = difference.State();
-  return position;
+  state = predictor.State();
 }
 
 }  // namespace
@@ -110,14 +108,23 @@ CDWOPEncodeState StartOfDWOPStream() {
 
 void CodeDWOPValues(const CPackedFrames& frames, CDWOPEncodeState* states, CDWOPBitWriter& writer) {
   std::array<std::int32_t, kPieceValues> samples;
+  std::array<CResidual, kPieceValues> residuals;
   const std::size_t most = kPieceValues / frames.fChannels;
   for (std::size_t done = 0; done < frames.fFrames; done += most) {
     const CPackedFrames part = frames.Part(done, std::min(most, frames.fFrames - done));
     const auto piece = std::span(samples).first(part.fFrames * part.fChannels);
     UnpackSamples(part.fPacking, {part.fBytes, part.fFrames * part.FrameBytes()}, piece);
-    const CDWOPBitPosition position = writer.Reserve(piece.size() * kDWOPLongestCode);
-    writer.SetPosition(frames.fChannels == 1 ? CodeMono(piece, states, position)
-                                             : CodeStereo(piece, states, position));
+    if (frames.fChannels == 1) {
+      Predict<1, 0>(piece, states[0], residuals);
+    } else {
+      Predict<2, 0>(piece, states[0], residuals);
+      Predict<2, 1>(piece, states[1], residuals);
+    }
+    CDWOPBitPosition position = writer.Reserve(piece.size() * kDWOPLongestCode);
+    for (const CResidual& residual : std::span(residuals).first(piece.size())) {
+      position.AppendResidual(residual.fZigzag, residual.fModulus);
+    }
+    writer.SetPosition(position);
   }
 }
 
