@@ -44,6 +44,8 @@ struct CJobEntry {
   bool fFailed = false;
   /// Why the entry failed or was left out, in plain English; may be empty.
   std::string fReason;
+  /// Of the source file when it was verified, in bytes.
+  std::uint64_t fSize = 0;
   /// What the verifier found.
   std::vector<CResolvedReference> fReferences;
   std::set<std::u16string> fProhibitedDevices;

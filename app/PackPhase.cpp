@@ -46,6 +46,7 @@ class CPackPhase {
     OpenStore();
     NSTolbrook::RunOrdered({.fCount = fIndices.size(),
                             .fJobs = fState.fSettings.fJobs,
+                            .fWeights = Sizes(),
                             .fBegin = [this](std::size_t item) { Begin(item); },
                             .fWork = [this](std::size_t item) { Work(item); },
                             .fFinish = [this](std::size_t item) { Finish(item); },
@@ -57,6 +58,12 @@ class CPackPhase {
 
  private:
   CJobEntry& Entry(std::size_t item) { return fState.fEntries[fIndices[item]]; }
+
+  std::vector<std::uint64_t> Sizes() const {
+    std::vector<std::uint64_t> sizes;
+    for (const std::size_t index : fIndices) sizes.push_back(fState.fEntries[index].fSize);
+    return sizes;
+  }
 
   void OpenStore() {
     fState.fWorkingFile.emplace(fState.fSettings.fOutputFolder.Path());

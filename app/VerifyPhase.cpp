@@ -108,6 +108,7 @@ class CVerifyPhase {
     CVerdict verdict = std::move(fVerdicts[item]);
     entry.fFailed = verdict.fFailed;
     entry.fReason = std::move(verdict.fReason);
+    entry.fSize = verdict.fContext.fSourceSize;
     entry.fReferences = std::move(verdict.fContext.fReferences);
     entry.fProhibitedDevices = std::move(verdict.fContext.fProhibitedDevicesUsed);
     entry.fRemarks = std::move(verdict.fContext.fRemarks);

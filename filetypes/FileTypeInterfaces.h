@@ -56,6 +56,8 @@ struct CVerifyContext : CHandlerContext {
   const ISlicedLoopLibrary* fSlicedLoopLibrary = nullptr;
   /// Filled by the handler: those of fProhibitedDevices that the file uses.
   std::set<std::u16string> fProhibitedDevicesUsed;
+  /// Filled by the registry for a file of the input folder: bytes.
+  std::uint64_t fSourceSize = 0;
   /// Filled by the handler when there is a resolver: every reference, in document order.
   std::vector<CResolvedReference> fReferences;
 };

@@ -62,6 +62,7 @@ void CFileTypeRegistry::VerifyFile(const NSTolbrook::CFileItem& file,
   const IFileTypeVerifier& verifier = Required(FindVerifier(file));
   const NSBigFilePackage::SharedMedia source = OpenSource(file);
   if (source == nullptr) throw NSMordel::XOpen();
+  context.fSourceSize = source->Size();
   verifier.Verify(source, context);
 }
 

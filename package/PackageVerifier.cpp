@@ -142,9 +142,12 @@ void CPackageVerifier::VerifyEntries(std::span<const CEntries::value_type> entri
                                      const CReadWatch& watch, unsigned jobs,
                                      CVerificationResult& result) const {
   std::vector<COutcome> outcomes(entries.size());
+  std::vector<std::uint64_t> sizes;
+  for (const auto& entry : entries) sizes.push_back(entry->Data()->Size());
   NSTolbrook::RunOrdered(
       {.fCount = entries.size(),
        .fJobs = jobs,
+       .fWeights = std::move(sizes),
        .fBegin =
            [&](std::size_t i) {
              fReport.CheckStop();

@@ -23,6 +23,7 @@ class CSeries {
     try {
       RunOrdered({.fCount = count,
                   .fJobs = jobs,
+                  .fWeights = fWeights,
                   .fBegin = [this](std::size_t i) { Note('B', i, fFailingBegin); },
                   .fWork = [this](std::size_t i) { Work(i); },
                   .fFinish = [this](std::size_t i) { Note('F', i, fFailingFinish); },
@@ -36,6 +37,7 @@ class CSeries {
   }
 
   std::size_t fFailingBegin = kNever, fFailingWork = kNever, fFailingFinish = kNever;
+  std::vector<std::uint64_t> fWeights;
   std::function<void(std::size_t)> fSlow = [](std::size_t) {};
   std::atomic<bool> fStop = false;
   std::atomic<int> fCancelled = 0;
@@ -60,7 +62,7 @@ class CSeries {
     {
       const std::lock_guard lock(fMutex);
       fWorked.insert(index);
-      fGreatestAhead = std::max(fGreatestAhead, index - std::min(index, fFinished));
+      fGreatestAhead = std::max(fGreatestAhead, fWorked.size() - fFinished);
     }
     --fBusy;
     if (index == fFailingWork) throw NSMordel::XFormatViolation("W failed");
@@ -96,19 +98,20 @@ TEST(OrderedWork, TakesItemsInOrderWhateverTheThreadsDo) {
 }
 
 TEST(OrderedWork, RaisesTheFirstFailureInOrderAndEnds) {
+  constexpr std::size_t kCount = 2 * kMostItemsAhead;
   for (const unsigned jobs : {1U, 2U, 5U}) {
     const bool isThreaded = jobs > 1;
     CSeries begin, work, finish, all;
     begin.fFailingBegin = work.fFailingWork = finish.fFailingFinish = 7;
-    EXPECT_EQ(begin.Run(2000, jobs), Expected(7) + "! B failed");
-    EXPECT_EQ(work.Run(2000, jobs), Expected(7) + "B7 ! W failed");
-    EXPECT_EQ(finish.Run(2000, jobs), Expected(7) + "B7 ! F failed");
+    EXPECT_EQ(begin.Run(kCount, jobs), Expected(7) + "! B failed");
+    EXPECT_EQ(work.Run(kCount, jobs), Expected(7) + "B7 ! W failed");
+    EXPECT_EQ(finish.Run(kCount, jobs), Expected(7) + "B7 ! F failed");
     all.fFailingWork = 0;
     all.fFailingBegin = 1;
     EXPECT_EQ(all.Run(2, jobs), "B0 ! W failed") << "the order of items, not of time";
     for (const CSeries* series : {&begin, &work, &finish}) {
       EXPECT_EQ(series->fCancelled, isThreaded ? 1 : 0);
-      EXPECT_LT(series->fWorked.size(), 2000U);
+      EXPECT_LT(series->fWorked.size(), kCount);
     }
   }
 }
@@ -141,9 +144,38 @@ TEST(OrderedWork, RunsOnlySoFarAhead) {
     }
     while (++idle < 300) std::this_thread::sleep_for(std::chrono::milliseconds(1));
   };
-  EXPECT_EQ(series.Run(3000, 3), Expected(3000));
-  EXPECT_LE(series.fGreatestAhead, 3U * 64U);
-  EXPECT_GT(series.fGreatestAhead, 3U);
+  constexpr std::size_t kCount = 2 * kMostItemsAhead;
+  EXPECT_EQ(series.Run(kCount, 3), Expected(kCount));
+  // An item is taken a moment before it is noted as finished.
+  EXPECT_LE(series.fGreatestAhead, kMostItemsAhead + 1);
+  EXPECT_GT(series.fGreatestAhead, kMostItemsAhead / 2);
+}
+
+TEST(OrderedWork, BeginsWhatWouldOutlastTheRestInTime) {
+  struct CCase {
+    std::vector<std::uint64_t> fWeights;
+    std::size_t fHeavy;
+    std::uint64_t fMostBefore;  ///< weight of what is begun before it, by two threads
+  };
+  std::vector<std::uint64_t> light(300, 1);
+  light.push_back(300);
+  const CCase cases[] = {{light, 300, 1},
+                         {{0, 0, 10, 10, 10, 10, 10, 200, 10, 100, 50, 0}, 7, 10},
+                         {{0, 0, 10, 10, 10, 10, 10, 200, 10, 100, 50, 0}, 9, 230},
+                         {{400, 5, 5, 5, 5, 5, 5, 5, 5, 0, 5}, 0, 5}};
+  for (const CCase& test : cases) {
+    CSeries series;
+    series.fWeights = test.fWeights;
+    std::mutex mutex;
+    std::uint64_t before = 0, beforeHeavy = 0;
+    series.fSlow = [&](std::size_t i) {
+      const std::lock_guard lock(mutex);
+      if (i == test.fHeavy) beforeHeavy = before;
+      before += test.fWeights[i];
+    };
+    EXPECT_EQ(series.Run(test.fWeights.size(), 2), Expected(test.fWeights.size()));
+    EXPECT_LE(beforeHeavy, test.fMostBefore);
+  }
 }
 
 }  // namespace
