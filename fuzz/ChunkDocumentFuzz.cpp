@@ -1,22 +1,46 @@
-#include "fuzz/FuzzInput.h"
+#include "fuzz/ChunkTokens.h"
+#include "fuzz/Relocation.h"
 #include "references/ChunkDocument.h"
 
+using namespace NSTambraPacking;
+
+namespace {
+
+constexpr auto kReference = NSTolbrook::MakeFourCharCode("REFE");
+
+std::string Skeleton(const NSBigFilePackage::SharedMedia& media) {
+  return NSFuzz::ChunkTokens(NSTolbrook::CIFFReader2(media), kReference);
+}
+
+/// A document that is rewritten holds the relocated references, and all else as it was.
+void RunKind(const NSBigFilePackage::SharedMedia& media, EChunkDocumentKind kind) {
+  const auto document = NSFuzz::Read([&] { return CChunkDocument(media, kind); });
+  if (!document) return;
+  std::vector<std::pair<std::uint32_t, CSampleReference>> references;
+  for (const auto& chunk : document->References()) {
+    references.emplace_back(chunk.Kind(), chunk.Reference());
+  }
+  const auto relocated = NSFuzz::Relocated(references);
+  const auto written = std::make_shared<NSBigFilePackage::CMemoryMedia>();
+  NSBigFilePackage::CMediaCursor output(*written);
+  document->Write(output, relocated);
+
+  const CChunkDocument again(written, kind);
+  const auto sameReference = [](const CSF10ReferenceChunk& chunk, const auto& reference) {
+    return chunk.Reference() == reference;
+  };
+  NSFuzz::Require(std::ranges::equal(again.References(), relocated, sameReference));
+  NSFuzz::Require(std::ranges::equal(again.References(), document->References(), {},
+                                     &CSF10ReferenceChunk::Kind, &CSF10ReferenceChunk::Kind));
+  NSFuzz::Require(again.DeviceNames() == document->DeviceNames());
+  NSFuzz::Require(Skeleton(written) == Skeleton(media));
+}
+
+}  // namespace
+
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const NSFuzz::CFuzzInput input(data, size);
-  return NSFuzz::Try([&] {
-    for (const auto kind : {NSTambraPacking::EChunkDocumentKind::kPatch,
-                            NSTambraPacking::EChunkDocumentKind::kSong}) {
-      const NSTambraPacking::CChunkDocument document(input.Media(), kind);
-      std::vector<NSTambraPacking::CSampleReference> references;
-      for (const auto& chunk : document.References()) references.push_back(chunk.Reference());
-      const auto written = std::make_shared<NSBigFilePackage::CMemoryMedia>();
-      NSBigFilePackage::CMediaCursor output(*written);
-      document.Write(output, references);
-      const NSTambraPacking::CChunkDocument again(written, kind);
-      NSFuzz::Require(again.References().size() == references.size());
-      for (std::size_t i = 0; i < references.size(); ++i) {
-        NSFuzz::Require(again.References()[i].Kind() == document.References()[i].Kind());
-      }
-    }
-  });
+  const auto media = NSFuzz::CFuzzInput(data, size).Media();
+  RunKind(media, EChunkDocumentKind::kPatch);
+  RunKind(media, EChunkDocumentKind::kSong);
+  return 0;
 }

@@ -1,7 +1,18 @@
 #include "codecs/SoundFontParser.h"
 #include "fuzz/FuzzInput.h"
 
+/// Samples lie inside the sample data, and tables inside the file.
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const NSFuzz::CFuzzInput input(data, size);
-  return NSFuzz::Try([&] { NSTambraPacking::CSoundFontParser(input.Media()).Parse(); });
+  const auto media = NSFuzz::CFuzzInput(data, size).Media();
+  return NSFuzz::Try([&] {
+    const auto bank = NSTambraPacking::CSoundFontParser(media).Parse();
+    NSFuzz::Require(bank.fSampleWords * 2 <= size);
+    NSFuzz::Require(bank.fPresets.size() + bank.fInstruments.size() + bank.fSamples.size() < size);
+    for (const auto& sample : bank.fSamples) {
+      if (sample.fInROM) continue;
+      NSFuzz::Require(sample.fStart <= sample.fEnd && sample.fEnd <= bank.fSampleWords);
+      NSFuzz::Require(sample.fLoopStart <= bank.fSampleWords);
+      NSFuzz::Require(sample.fLoopEnd <= bank.fSampleWords);
+    }
+  });
 }
