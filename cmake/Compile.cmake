@@ -29,7 +29,8 @@ if(tambra_processor MATCHES "^(x86_64|amd64)$")
   set(TAMBRA_AVX2 ON)
 endif()
 
-# tambra_library(NAME FOLDER): every .cpp below FOLDER, of platform files only this system's.
+# tambra_library(NAME FOLDER [OWN_HEADERS]): every .cpp below FOLDER, of platform files only this
+# system's. With OWN_HEADERS it precompiles headers of its own.
 function(tambra_library name folder)
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/${folder}/*.cpp)
   if(WIN32)
@@ -48,7 +49,7 @@ function(tambra_library name folder)
   target_link_libraries(${name} PUBLIC tambra_options)
   target_compile_definitions(${name} PRIVATE $<$<BOOL:${TAMBRA_AVX2}>:TAMBRA_AVX2>)
   # The standard library's headers are most of what a small file compiles: read once for all.
-  if(TARGET tambra_headers)
+  if(TARGET tambra_headers AND NOT "OWN_HEADERS" IN_LIST ARGN)
     target_precompile_headers(${name} REUSE_FROM tambra_headers)
     set_source_files_properties(${kernels} PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
   endif()
