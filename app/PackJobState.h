@@ -9,6 +9,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "app/AdviceRules.h"
 #include "app/FolderScan.h"
 #include "app/PackageInformation.h"
 #include "app/PackingLog.h"
@@ -46,6 +47,8 @@ struct CJobEntry {
   std::string fReason;
   /// Of the source file when it was verified, in bytes.
   std::uint64_t fSize = 0;
+  /// Of its data in the package, in bytes; 0 before it is packed.
+  std::uint64_t fPackedSize = 0;
   /// What the verifier found.
   std::vector<CResolvedReference> fReferences;
   std::set<std::u16string> fProhibitedDevices;
@@ -65,6 +68,8 @@ struct CPackSettings {
   unsigned fJobs = 1;
   /// May be null; must outlive the run.
   const ISlicedLoopLibrary* fSlicedLoopLibrary = nullptr;
+  /// Of a check that gives advice; else null. Must outlive the run.
+  const CAdviceRules* fAdviceRules = nullptr;
 };
 
 /// All that a run knows; made when it starts and kept, without the working file, until the next one
@@ -96,6 +101,8 @@ struct CPackJobState {
 
   /// What the log tells; its three problem lists make the run count as failed.
   CPackLists fLists;
+  /// Of a check: sorted by severity, the worst first, then by kind.
+  std::vector<CAdvice> fAdvice;
   std::optional<NSTolbrook::CFileItem> fLogFile;
   /// The file that a phase was working on when a failure left it; empty when it was none.
   std::u16string fCurrentFile;

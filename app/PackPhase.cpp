@@ -97,7 +97,8 @@ class CPackPhase {
       JudgeFailure(entry, packed);
       return;
     }
-    fPackedSize += packed.fData->Size();
+    entry.fPackedSize = packed.fData->Size();
+    fPackedSize += entry.fPackedSize;
     FitPackageLimit(fPackedSize, "the package's data");
     entry.fEntry->SetData(std::move(packed.fData));
   }

@@ -36,6 +36,9 @@ void BuildFolderStructure(const CPhaseContext& context);
 /// 3: verifies every entry, then leaves out what the options say. Throws XAbort at its end when
 /// entries failed or have unresolved references, or the user does not want to go on.
 void VerifyEntries(const CPhaseContext& context);
+/// Behind 3, of a check: measures every sample and gathers advice by the settings' rules. Throws what
+/// reading a sample throws.
+void GiveAdvice(const CPhaseContext& context);
 /// 4: packs every entry into the working file. Throws XAbort when the user does not want to go on,
 /// XOutOfSpace when the package gets too large.
 void PackEntries(const CPhaseContext& context);

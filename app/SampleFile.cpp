@@ -13,14 +13,6 @@ namespace {
 using NSBigFilePackage::SharedMedia;
 using NSTolbrook::IOutputFile;
 
-/// By the first bytes; what is neither is refused as a WAVE file.
-EAudioContainer ContainerOf(const NSBigFilePackage::IMedia& file) {
-  std::array<std::uint8_t, 4> bytes{};
-  const bool isRead = file.Read(0, bytes) == bytes.size();
-  const bool isIFF = isRead && bytes == std::array<std::uint8_t, 4>{'F', 'O', 'R', 'M'};
-  return isIFF ? EAudioContainer::kAIFF : EAudioContainer::kWAVE;
-}
-
 CConvertedSample Convert(ESampleWork work, const SharedMedia& source, IOutputFile& file,
                          const std::function<void()>& checkStop) {
   if (work == ESampleWork::kDecode) {
@@ -32,6 +24,13 @@ CConvertedSample Convert(ESampleWork work, const SharedMedia& source, IOutputFil
 }
 
 }  // namespace
+
+EAudioContainer ContainerOf(const NSBigFilePackage::IMedia& file) {
+  std::array<std::uint8_t, 4> bytes{};
+  const bool isRead = file.Read(0, bytes) == bytes.size();
+  const bool isIFF = isRead && bytes == std::array<std::uint8_t, 4>{'F', 'O', 'R', 'M'};
+  return isIFF ? EAudioContainer::kAIFF : EAudioContainer::kWAVE;
+}
 
 CConvertedSample ConvertSample(ESampleWork work, const NSTolbrook::NativePath& input,
                                const NSTolbrook::NativePath& output,

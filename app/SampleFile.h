@@ -4,7 +4,10 @@
 #include <functional>
 #include <string>
 
+#include "Parts/TolbrookPackage/Core/Media.h"
 #include "Parts/TolbrookPackage/Core/OutputFolder.h"
+
+#include "codecs/AudioFormat.h"
 
 namespace NSTambraPacking {
 
@@ -19,6 +22,9 @@ struct CConvertedSample {
   bool fByteForByte = true;
   std::string fReason;  ///< why not
 };
+
+/// By the first bytes; what is neither counts as a WAVE file.
+EAudioContainer ContainerOf(const NSBigFilePackage::IMedia& file);
 
 /// Makes the file `output` of the file `input`; it has its name only when it is whole and on the
 /// disk. Throws XAlreadyExists when the name is taken (with kReplace by other than a file), as

@@ -14,9 +14,24 @@ constexpr int kFirstPhase = 0;
 constexpr int kInformationPhase = 1;
 constexpr int kLastCountingPhase = 2;
 constexpr int kVerifyPhase = 3;
+constexpr int kLastPhase = 8;
 
-CStringNumber StageEntry(CStringNumber first, int stage) {
-  return {first.fTable, first.fEntry + stage};
+CStringNumber StageLine(int stage) {
+  if (stage == kAdvicePhase) return kAdviceStageLine;
+  return {kFirstStageLine.fTable, kFirstStageLine.fEntry + stage};
+}
+
+CStringNumber ItemLine(int phase) {
+  if (phase == kAdvicePhase) return kAdviceItemLine;
+  return {kFirstItemLine.fTable, kFirstItemLine.fEntry + phase};
+}
+
+/// The samples of a check share what packing would take up to the end.
+int Position(int phase, std::uint64_t done, std::uint64_t count) {
+  if (phase != kAdvicePhase) return BarPosition(phase, done, count);
+  const int before = BarPosition(kVerifyPhase, 1, 1);
+  const auto rest = static_cast<std::uint64_t>(BarPosition(kLastPhase, 1, 1) - before);
+  return before + static_cast<int>(count == 0 ? rest : rest * done / count);
 }
 
 }  // namespace
@@ -50,8 +65,8 @@ void CTambraPackProgress::Item(const CTambraPacker&, int phase, std::uint64_t in
   const bool counts = phase <= kLastCountingPhase;
   const std::u16string argument =
       counts ? NSTolbrook::TextFromUtf8(std::to_string(index + 1)) : name;
-  fView.SetItemLine(fTexts.Text(StageEntry(kFirstItemLine, phase), {argument}));
-  const int position = BarPosition(phase, index, fCount);
+  fView.SetItemLine(fTexts.Text(ItemLine(phase), {argument}));
+  const int position = Position(phase, index, fCount);
   fView.SetBar(position);
   if (fOptions.fShowTime) UpdateTimeLine(position);
 }
@@ -59,7 +74,7 @@ void CTambraPackProgress::Item(const CTambraPacker&, int phase, std::uint64_t in
 void CTambraPackProgress::EndPhase(CTambraPacker&, int phase) {
   CheckStop();
   NSMordel::CheckInvariant(fJob != nullptr, "a progress object must know the run that reports");
-  fView.SetBar(BarPosition(phase, fCount, fCount));
+  fView.SetBar(Position(phase, fCount, fCount));
   SetStage(kIdleStage);
   if (phase == kInformationPhase) fView.SetInformation(fJob->Information());
   if (phase == kVerifyPhase) {
@@ -74,7 +89,7 @@ void CTambraPackProgress::CheckStop() {
 }
 
 void CTambraPackProgress::SetStage(int stage) {
-  fView.SetStageLine(fTexts.Text(StageEntry(kFirstStageLine, stage)));
+  fView.SetStageLine(fTexts.Text(StageLine(stage)));
   fView.SetItemLine({});
 }
 

@@ -14,6 +14,9 @@
 
 namespace NSTambraPacking {
 
+/// The phase in which a check looks at the samples; it follows phase 3.
+inline constexpr int kAdvicePhase = 10;
+
 /// The pack job's view of the progress window: turns reports into lines, a bar and a time, runs
 /// the tests at the end of phase 3 and carries the user's stop request into the job. One object
 /// serves one run, whose time begins with phase 0.

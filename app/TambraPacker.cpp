@@ -93,9 +93,17 @@ void CTambraPacker::Check(const CPackSettings& settings, CPackageInformation& in
       CPhase{BuildFolderStructure, ESituation::kScanning},
       CPhase{VerifyEntries, ESituation::kVerifying},
   };
+  static constexpr std::array kAdvice = {CPhase{GiveAdvice, ESituation::kVerifying}};
   Prepare(settings);
   fState->fInformation.OutputFileName();  // throws for a name that no file can have
-  RunPhases(kPhases, progress);
+  std::exception_ptr verdict;
+  try {
+    RunPhases(kPhases, progress);
+  } catch (const NSMordel::XAbort&) {
+    verdict = std::current_exception();
+  }
+  if (settings.fAdviceRules != nullptr) RunPhases(kAdvice, progress);
+  if (verdict) std::rethrow_exception(verdict);
   information = fState->fInformation;
 }
 

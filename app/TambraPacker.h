@@ -37,7 +37,8 @@ class CTambraPacker : private IPackJobChecks {
   EPackEnding Run(const CPackSettings& settings, CPackageInformation& information,
                   CTambraPackProgress& progress);
 
-  /// Does what a run does up to the verification of the input folder and writes nothing. Throws
+  /// Does what a run does up to the verification of the input folder and writes nothing; gives
+  /// advice, whatever was found, when the settings have rules for it. Throws
   /// XAbort when entries have failed or have unresolved references, and as Run.
   void Check(const CPackSettings& settings, CPackageInformation& information,
              CTambraPackProgress& progress);

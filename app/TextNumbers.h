@@ -114,6 +114,14 @@ inline constexpr CStringNumber kLoopForward{128, 401};
 inline constexpr CStringNumber kLoopAlternating{128, 402};
 inline constexpr CStringNumber kLoopOther{128, 403};
 
+// Advice of a check
+inline constexpr CStringNumber kAdviceStageLine{128, 700};
+inline constexpr CStringNumber kAdviceItemLine{128, 701};
+inline constexpr CStringNumber kAdviceHeading{128, 702};
+inline constexpr CStringNumber kAdviceCounts{128, 703};
+/// Of the first kind, the five texts of each stand one behind the other.
+inline constexpr CStringNumber kFirstAdviceText{128, 720};
+
 // Standard menus
 inline constexpr CStringNumber kFileMenu{1000, 1};
 inline constexpr CStringNumber kEditMenu{1000, 2};

@@ -114,11 +114,18 @@ class CVerifyPhase {
     entry.fRemarks = std::move(verdict.fContext.fRemarks);
     if (!verdict.fIsUnsupported) return;
     entry.fReason = "No verifier found for format";
-    if (fPhase.fAlerts.Ask(kAlertUnsupported, {entry.fFile.fPath})) {
+    if (IsKnownStray(entry) || fPhase.fAlerts.Ask(kAlertUnsupported, {entry.fFile.fPath})) {
       entry.fLeftOut = ELeftOut::kUnsupported;
     } else {
       entry.fFailed = true;
     }
+  }
+
+  /// The publisher has said of such a file that it is no error.
+  bool IsKnownStray(const CJobEntry& entry) const {
+    const CAdviceRules* const rules = fState.fSettings.fAdviceRules;
+    return rules != nullptr &&
+           rules->SeverityOf(EAdvice::kStrayFile, entry.fFile.fPath) < ESeverity::kError;
   }
 
   const CPhaseContext& fPhase;

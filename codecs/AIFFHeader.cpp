@@ -149,7 +149,7 @@ CInstrument ReadInstrument(const CAudioChunks& chunks, std::uint64_t frames) {
   const CChunkInfo* chunk = chunks.Find(MakeFourCharCode("INST"));
   if (chunk == nullptr) return instrument;
   const std::vector<std::uint8_t> bytes = chunks.Read(*chunk, kInstrumentLength);
-  if (bytes[0] <= 127) instrument.fRootKey = bytes[0];
+  instrument.SetRootKey(bytes[0]);
   instrument.fFineTune = bytes[1];
 
   const CBytes sustainLoop = CBytes(bytes).subspan(8);

@@ -48,6 +48,8 @@ struct CAudioFormat {
 struct CInstrument {
   /// MIDI note, 0 to 127.
   std::uint8_t fRootKey = 60;
+  /// False when the file does not say, and the key is the usual one.
+  bool fHasRootKey = false;
   /// Cents, a two's-complement byte.
   std::uint8_t fFineTune = 0;
   /// 0 no loop, 1 forward, 2 the source's second kind (forward and backward).
@@ -56,6 +58,11 @@ struct CInstrument {
   std::uint64_t fLoopStart = 0;
   std::uint64_t fLoopEnd = 0;
 
+  /// Takes a key that is one.
+  void SetRootKey(std::uint32_t key) {
+    fHasRootKey = key <= 127;
+    if (fHasRootKey) fRootKey = static_cast<std::uint8_t>(key);
+  }
   /// Sets a loop of mode 1 or 2, its end cut to `frames`; no loop when it would be empty.
   void SetLoop(std::uint8_t mode, std::uint64_t start, std::uint64_t end, std::uint64_t frames);
 };

@@ -147,7 +147,7 @@ CInstrument ReadSampler(const CAudioChunks& chunks, const CChunkInfo& chunk, std
   };
   CInstrument instrument;
   instrument.fLoopEnd = frames;
-  if (field(12) <= 127) instrument.fRootKey = static_cast<std::uint8_t>(field(12));
+  instrument.SetRootKey(field(12));
   // The fraction counts 2^-32 semitones.
   const std::uint64_t cents = (std::uint64_t{field(16)} * 100 + (1ULL << 31)) >> 32;
   instrument.fFineTune = static_cast<std::uint8_t>(cents);
@@ -168,7 +168,7 @@ CInstrument ReadInstrument(const CAudioChunks& chunks, std::uint64_t frames) {
   instrument.fLoopEnd = frames;
   if (const CChunkInfo* chunk = chunks.Find(MakeFourCharCode("inst"))) {
     const std::vector<std::uint8_t> bytes = chunks.Read(*chunk, 7);
-    if (bytes[0] <= 127) instrument.fRootKey = bytes[0];
+    instrument.SetRootKey(bytes[0]);
     instrument.fFineTune = bytes[1];
   }
   return instrument;

@@ -25,6 +25,9 @@ struct CResolution {
   /// The path of the file from the root, joined with "/"; empty when it was not found. A path that
   /// goes on inside a container ends with the container's name here.
   std::u16string fPath;
+  /// The file is not where the reference's relative or database form says, but where the end of its
+  /// absolute form leads.
+  bool fBySearch = false;
 
   bool IsFound() const {
     return fClass == EReferenceClass::kFoundIncluded ||

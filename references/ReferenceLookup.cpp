@@ -23,7 +23,11 @@ std::optional<CFoundFile> CReferenceLookup::Find(const CSampleReference& referen
                                                  std::u16string_view documentPath) const {
   if (auto found = FollowRelative(reference.fRelativePath, documentPath).fFound) return found;
   if (auto found = FollowDatabase(reference.fDatabasePath).fFound) return found;
-  return FindAbsolute(reference.fAbsolutePath);
+  auto found = FindAbsolute(reference.fAbsolutePath);
+  if (found) {
+    found->fBySearch = reference.fRelativePath.IsValid() || reference.fDatabasePath.IsValid();
+  }
+  return found;
 }
 
 CLookupTrail CReferenceLookup::FollowRelative(const CRelativePath& path,
@@ -88,7 +92,7 @@ CLookupTrail CReferenceLookup::Descend(CEntryTree::Node folder, Components compo
     const Components rest = components.subspan(i + 1);
     const EKind kind = fTree->Kind(node);
     if (kind == EKind::kContainer || (kind == EKind::kFile && rest.empty())) {
-      trail.fFound = CFoundFile{node, CPathComponents(rest.begin(), rest.end())};
+      trail.fFound = CFoundFile{node, CPathComponents(rest.begin(), rest.end()), false};
       return trail;
     }
     if (kind == EKind::kFile) return trail;

@@ -16,6 +16,8 @@ struct CFoundFile {
   CEntryTree::Node fNode = CEntryTree::kRoot;
   /// What of the path goes on inside the file, when that is a container.
   CPathComponents fInner;
+  /// Found by the absolute form, though there is another, which leads nowhere.
+  bool fBySearch = false;
 };
 
 /// How far a path led.

@@ -13,10 +13,10 @@ CResolution CStandardReferenceResolver::Resolve(const CSampleReference& referenc
     std::u16string path = fLookup->Tree().Path(found->fNode);
     const bool isIncluded = fIncluded->contains(path);
     return {isIncluded ? EReferenceClass::kFoundIncluded : EReferenceClass::kFoundNotIncluded,
-            std::move(path)};
+            std::move(path), found->fBySearch};
   }
   const bool isInternal = NamesPackage(reference, fPackageName);
-  return {isInternal ? EReferenceClass::kInternal : EReferenceClass::kExternal, {}};
+  return {isInternal ? EReferenceClass::kInternal : EReferenceClass::kExternal, {}, false};
 }
 
 bool NamesPackage(const CSampleReference& reference, const std::u16string& packageName) {

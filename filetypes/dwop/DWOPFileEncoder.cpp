@@ -63,23 +63,6 @@ bool IsPlainWAVE(const IMedia& source, const CDWOPHeader& header) {
   return pad[0] == 0;
 }
 
-CKeptReport JudgeKept(const CAudioFormat& format, const CSampleChunkLayout& layout) {
-  if (!format.KeptBitForBit()) {
-    return {format.fCoding == ESampleCoding::kMuLaw || format.fCoding == ESampleCoding::kALaw,
-            false, "its samples are not integers of 8, 16 or 24 bits"};
-  }
-  if (format.fSamplesStart != layout.fContentsStart) {
-    return {true, false, "its samples do not begin their chunk"};
-  }
-  if (format.SamplesLength() != layout.fContentsLength) {
-    return {true, false, "its sample chunk holds more than whole frames"};
-  }
-  if (layout.fContentsLength % 2 != 0 && (layout.fPadLength == 0 || layout.fPadValue != 0)) {
-    return {true, false, "the pad byte behind its samples is missing or not zero"};
-  }
-  return {};
-}
-
 void EncodeSamples(CAudioFile& file, CMediaCursor& output, const std::function<void()>& checkStop) {
   const unsigned channels = file.Format().fChannels;
   CDWOPEncoder encoder(output, channels);
@@ -112,6 +95,23 @@ CKeptReport EncodeAudioFile(const SharedMedia& source, EAudioContainer container
   if (IsPlainWAVE(*source, header)) return {};
   WriteExtraInfo(output, CSourceWithoutSamples(source, container, file.Layout()), checkStop);
   return JudgeKept(file.Format(), file.Layout());
+}
+
+CKeptReport JudgeKept(const CAudioFormat& format, const CSampleChunkLayout& layout) {
+  if (!format.KeptBitForBit()) {
+    return {format.fCoding == ESampleCoding::kMuLaw || format.fCoding == ESampleCoding::kALaw,
+            false, "its samples are not integers of 8, 16 or 24 bits"};
+  }
+  if (format.fSamplesStart != layout.fContentsStart) {
+    return {true, false, "its samples do not begin their chunk"};
+  }
+  if (format.SamplesLength() != layout.fContentsLength) {
+    return {true, false, "its sample chunk holds more than whole frames"};
+  }
+  if (layout.fContentsLength % 2 != 0 && (layout.fPadLength == 0 || layout.fPadValue != 0)) {
+    return {true, false, "the pad byte behind its samples is missing or not zero"};
+  }
+  return {};
 }
 
 void CheckAudioFormat(const CAudioFormat& format) {

@@ -28,6 +28,9 @@ CKeptReport EncodeAudioFile(const NSBigFilePackage::SharedMedia& source, EAudioC
                             NSBigFilePackage::IMedia& destination,
                             const std::function<void()>& checkStop);
 
+/// What EncodeAudioFile would report of such a file.
+CKeptReport JudgeKept(const CAudioFormat& format, const CSampleChunkLayout& layout);
+
 /// Throws XFormatViolation with an empty text unless a stream can hold the samples: 1 or 2
 /// channels, at most 2^32 - 1 frames.
 void CheckAudioFormat(const CAudioFormat& format);
