@@ -1,6 +1,8 @@
 #include <algorithm>
+#include <optional>
 
 #include "app/PackPhases.h"
+#include "app/ProvenEntryVerifier.h"
 #include "filetypes/PackedEntryVerifier.h"
 #include "package/PackageVerifier.h"
 #include "package/StdioMedia.h"
@@ -19,6 +21,14 @@ void SortByEntry(const CPackJobState& state, std::vector<std::u16string>& paths)
                    [&](const auto& left, const auto& right) { return place(left) < place(right); });
 }
 
+CProvenEntryVerifier::CTickets Tickets(CPackJobState& state) {
+  CProvenEntryVerifier::CTickets tickets;
+  for (CJobEntry& entry : state.fEntries) {
+    if (entry.fCacheTicket) tickets.emplace(entry.fFile.fPath, &*entry.fCacheTicket);
+  }
+  return tickets;
+}
+
 }  // namespace
 
 void VerifyPackage(const CPhaseContext& context) {
@@ -28,7 +38,15 @@ void VerifyPackage(const CPhaseContext& context) {
       NSBigFilePackage::CStdioMedia::OpenForReading(state.fOutputFile.Path());
   CPackedEntryVerifier entryVerifier(state.fInformation.fName, state.fSettings.fSlicedLoopLibrary,
                                      [&context] { return context.StopRequested(); });
-  const CPackageVerifier verifier(entryVerifier, context.fJob, context.fProgress);
+  std::optional<CProvenEntryVerifier> provenVerifier;
+  CPackCache* const cache = state.fSettings.fCache;
+  if (cache != nullptr && cache->IsOpen()) {
+    provenVerifier.emplace(entryVerifier, *cache, Tickets(state),
+                           [&context] { return context.StopRequested(); });
+  }
+  IEntryVerifier& first =
+      provenVerifier ? static_cast<IEntryVerifier&>(*provenVerifier) : entryVerifier;
+  const CPackageVerifier verifier(first, context.fJob, context.fProgress);
   CVerificationOptions options;
   options.fExpectedHeader = &state.fHeader;
   options.fJobs = state.fSettings.fJobs;
@@ -44,6 +62,16 @@ void VerifyPackage(const CPhaseContext& context) {
   for (const CBrokenEntry& broken : result.fBroken) {
     state.fLists.fBroken.push_back({broken.fEntry->Path(), broken.fReferences});
   }
+}
+
+void KeepPackedEntries(const CPhaseContext& context) {
+  CPackJobState& state = context.fState;
+  if (state.fSettings.fCache == nullptr) return;
+  std::vector<CPackCache::CCandidate> candidates;
+  for (const CJobEntry& entry : state.fEntries) {
+    if (entry.fCacheTicket) candidates.push_back({&*entry.fCacheTicket, entry.fEntry->Data()});
+  }
+  state.fSettings.fCache->Keep(candidates, [&context] { return context.StopRequested(); });
 }
 
 }  // namespace NSTambraPacking

@@ -11,6 +11,7 @@
 
 #include "app/AdviceRules.h"
 #include "app/FolderScan.h"
+#include "app/PackCache.h"
 #include "app/PackageInformation.h"
 #include "app/PackingLog.h"
 #include "filetypes/FileTypeInterfaces.h"
@@ -49,6 +50,8 @@ struct CJobEntry {
   std::uint64_t fSize = 0;
   /// Of its data in the package, in bytes; 0 before it is packed.
   std::uint64_t fPackedSize = 0;
+  /// When its packed bytes are, or may be, kept in the cache.
+  std::optional<CCacheTicket> fCacheTicket;
   /// What the verifier found.
   std::vector<CResolvedReference> fReferences;
   std::set<std::u16string> fProhibitedDevices;
@@ -68,6 +71,8 @@ struct CPackSettings {
   unsigned fJobs = 1;
   /// May be null; must outlive the run.
   const ISlicedLoopLibrary* fSlicedLoopLibrary = nullptr;
+  /// Packed files of earlier runs; may be null, must outlive the run.
+  CPackCache* fCache = nullptr;
   /// Of a check that gives advice; else null. Must outlive the run.
   const CAdviceRules* fAdviceRules = nullptr;
 };

@@ -1,5 +1,6 @@
 #include <atomic>
 #include <exception>
+#include <optional>
 
 #include "Parts/TolbrookPackage/Core/Exception.h"
 #include "Parts/TolbrookPackage/Core/OrderedWork.h"
@@ -18,6 +19,7 @@ namespace {
 struct CPacked {
   CPackContext fContext;
   NSBigFilePackage::SharedMedia fData;
+  std::optional<CCacheTicket> fTicket;
   std::exception_ptr fFailure;
 };
 
@@ -68,6 +70,7 @@ class CPackPhase {
   void OpenStore() {
     fState.fWorkingFile.emplace(fState.fSettings.fOutputFolder.Path());
     fState.fStore = NSBigFilePackage::CBlockStore::Create(fState.fWorkingFile->Media());
+    if (fState.fSettings.fCache != nullptr) fState.fSettings.fCache->Open();
   }
 
   void Begin(std::size_t item) { fReport.Item(item, *Entry(item).fEntry); }
@@ -80,9 +83,15 @@ class CPackPhase {
     context.fStopRequested = [this] { return fCancelled || fPhase.StopRequested(); };
     context.fRelocator = &fRelocator;
     try {
-      const auto stream = fState.fStore->BeginItem();
-      entry.fPacker->Pack(entry.fFile.fItem, *stream, context);
-      packed.fData = stream->Finish();
+      const auto pack = [&] {
+        const auto stream = fState.fStore->BeginItem();
+        entry.fPacker->Pack(entry.fFile.fItem, *stream, context);
+        return stream->Finish();
+      };
+      CPackCache* const cache = fState.fSettings.fCache;
+      packed.fData = cache == nullptr ? pack()
+                                      : cache->Pack(entry.fPacker->CacheKind(), entry.fFile.fItem,
+                                                    context, packed.fTicket, pack);
     } catch (...) {
       packed.fFailure = std::current_exception();
     }
@@ -100,6 +109,7 @@ class CPackPhase {
     entry.fPackedSize = packed.fData->Size();
     fPackedSize += entry.fPackedSize;
     FitPackageLimit(fPackedSize, "the package's data");
+    entry.fCacheTicket = packed.fTicket;
     entry.fEntry->SetData(std::move(packed.fData));
   }
 

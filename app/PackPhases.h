@@ -51,5 +51,7 @@ void ComposePackage(const CPhaseContext& context);
 /// 8: reads the package file back and verifies it. Throws XFormatViolation when its header is not
 /// the one that was written.
 void VerifyPackage(const CPhaseContext& context);
+/// Behind 8: gives what was packed and verified to the cache, if there is one. Throws nothing of it.
+void KeepPackedEntries(const CPhaseContext& context);
 
 }  // namespace NSTambraPacking

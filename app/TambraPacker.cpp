@@ -46,6 +46,7 @@ class CWorkingFileEnd {
   ~CWorkingFileEnd() {
     fState.fStore.reset();
     fState.fWorkingFile.reset();
+    if (fState.fSettings.fCache != nullptr) fState.fSettings.fCache->Close();
   }
 
  private:
@@ -72,6 +73,7 @@ EPackEnding CTambraPacker::Run(const CPackSettings& settings, CPackageInformatio
       CPhase{PlacePackageEntries, ESituation::kComposing},
       CPhase{ComposePackage, ESituation::kComposing},
       CPhase{VerifyPackage, ESituation::kFinalVerification},
+      CPhase{KeepPackedEntries, ESituation::kGeneral},
   };
   Prepare(settings);
   PrepareOutput();

@@ -78,6 +78,18 @@ inline constexpr CStringNumber kInfoFiles{128, 335};
 inline constexpr CStringNumber kInfoSize{128, 336};
 inline constexpr CStringNumber kListTotal{128, 337};
 
+// The cache of packed samples
+inline constexpr CStringNumber kCacheNotUsed{128, 440};
+inline constexpr CStringNumber kCacheBegunAnew{128, 441};
+inline constexpr CStringNumber kCacheDamaged{128, 442};
+inline constexpr CStringNumber kCacheFile{128, 443};
+inline constexpr CStringNumber kCacheSamples{128, 444};
+inline constexpr CStringNumber kCacheSize{128, 445};
+inline constexpr CStringNumber kCacheLimit{128, 446};
+inline constexpr CStringNumber kCacheCleared{128, 447};
+inline constexpr CStringNumber kCacheNone{128, 448};
+inline constexpr CStringNumber kCacheUnsound{128, 449};
+
 // Why a reference may lead nowhere
 inline constexpr CStringNumber kHintOtherName{128, 340};
 inline constexpr CStringNumber kHintOtherFolder{128, 341};

@@ -148,4 +148,6 @@ void CRawLibraryDecoder::Read(std::span<std::int32_t> samples) {
   }
 }
 
+std::string SoundLibraryVersion() { return sf_version_string(); }
+
 }  // namespace NSTambraPacking

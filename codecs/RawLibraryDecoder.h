@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "codecs/SampleDecoder.h"
@@ -23,5 +24,8 @@ class CRawLibraryDecoder : public ISampleDecoder {
   std::vector<double> fDoubles;
   std::vector<std::int16_t> fShorts;
 };
+
+/// Name and version of libsndfile, as it is linked.
+std::string SoundLibraryVersion();
 
 }  // namespace NSTambraPacking

@@ -45,6 +45,9 @@ class CAIFFFileVerifier : public IFileTypeVerifier {
 class CWAVEFileTypePacker : public IFileTypePacker {
  public:
   std::int32_t EntryTypeCode() const override { return kSampleEntry; }
+  NSTolbrook::FourCharCode CacheKind() const override {
+    return NSTolbrook::MakeFourCharCode("WAVE");
+  }
   void Pack(const NSTolbrook::CFileItem& source, IMedia& destination,
             CPackContext& context) const override {
     PackAudioFile(source, EAudioContainer::kWAVE, destination, context);
@@ -54,6 +57,9 @@ class CWAVEFileTypePacker : public IFileTypePacker {
 class CAIFFFileTypePacker : public IFileTypePacker {
  public:
   std::int32_t EntryTypeCode() const override { return kSampleEntry; }
+  NSTolbrook::FourCharCode CacheKind() const override {
+    return NSTolbrook::MakeFourCharCode("AIFF");
+  }
   void Pack(const NSTolbrook::CFileItem& source, IMedia& destination,
             CPackContext& context) const override {
     PackAudioFile(source, EAudioContainer::kAIFF, destination, context);

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "Parts/TolbrookPackage/Core/FileItem.h"
+#include "Parts/TolbrookPackage/Core/FourCharCode.h"
 #include "Parts/TolbrookPackage/Core/Media.h"
 
 #include "references/ReferenceInterfaces.h"
@@ -85,6 +86,10 @@ class IFileTypePacker {
   virtual ~IFileTypePacker() = default;
   /// The kind of the entries that this packer writes.
   virtual std::int32_t EntryTypeCode() const = 0;
+  /// Not 0 when packing is worth remembering: it takes long, and what it writes and remarks, and
+  /// what the verifier of such entries says of it, depend on nothing but the source's bytes and
+  /// this number.
+  virtual NSTolbrook::FourCharCode CacheKind() const { return 0; }
   /// Writes the entry's data to the empty media `destination`. Throws XOpen when the source cannot
   /// be opened. Safe from several threads at once.
   virtual void Pack(const NSTolbrook::CFileItem& source, NSBigFilePackage::IMedia& destination,

@@ -73,6 +73,11 @@ bool RemoveFile(const NativePath& path);
 void FlushFolder(const NativePath& folder);
 /// The folder that holds the running program. Throws XNotFound.
 NativePath ProgramFolder();
+/// A path under which the running program's own bytes can be read. Throws XNotFound.
+NativePath ProgramFile();
+/// Where programs keep what they can do without (it need not exist): XDG_CACHE_HOME or ~/.cache,
+/// LOCALAPPDATA. Throws XNotFound when the environment names none.
+NativePath UserCacheFolder();
 /// This process's number, for names of temporary files.
 std::uint64_t ProcessNumber();
 

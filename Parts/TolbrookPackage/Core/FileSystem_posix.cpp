@@ -1,4 +1,5 @@
 #include <cerrno>
+#include <cstdlib>
 #include <dirent.h>
 #include <fcntl.h>
 #include <memory>
@@ -161,6 +162,19 @@ NativePath ProgramFolder() {
   if (!error) return program.parent_path();
   ThrowFileFailure<NSMordel::XNotFound>("cannot find the running program", link,
                                         Failure(error.value()));
+}
+
+NativePath ProgramFile() { return "/proc/self/exe"; }
+
+NativePath UserCacheFolder() {
+  const auto named = [](const char* variable) {
+    const char* const value = std::getenv(variable);
+    return NativePath(value == nullptr ? "" : value);
+  };
+  // A relative path would be another folder for each working folder.
+  if (NativePath folder = named("XDG_CACHE_HOME"); folder.is_absolute()) return folder;
+  if (const NativePath home = named("HOME"); home.is_absolute()) return home / ".cache";
+  throw NSMordel::XNotFound("neither XDG_CACHE_HOME nor HOME names a folder");
 }
 
 std::uint64_t ProcessNumber() { return static_cast<std::uint64_t>(::getpid()); }

@@ -183,7 +183,7 @@ void FlushFolder(const NativePath&) {
   // The system offers no such call for folders; RenameReplacing asks for a write-through instead.
 }
 
-NativePath ProgramFolder() {
+NativePath ProgramFile() {
   std::wstring path(kLongestPath, L'\0');
   const DWORD length = ::GetModuleFileNameW(nullptr, path.data(), kLongestPath);
   if (length == 0 || length >= kLongestPath) {
@@ -191,7 +191,17 @@ NativePath ProgramFolder() {
                                           WindowsFailure(::GetLastError()));
   }
   path.resize(length);
-  return NativePath(path).parent_path();
+  return NativePath(path);
+}
+
+NativePath ProgramFolder() { return ProgramFile().parent_path(); }
+
+NativePath UserCacheFolder() {
+  std::wstring path(kLongestPath, L'\0');
+  const DWORD length = ::GetEnvironmentVariableW(L"LOCALAPPDATA", path.data(), kLongestPath);
+  path.resize(length < kLongestPath ? length : 0);
+  if (NativePath folder(path); folder.is_absolute()) return folder;
+  throw NSMordel::XNotFound("LOCALAPPDATA names no folder");
 }
 
 std::uint64_t ProcessNumber() { return ::GetCurrentProcessId(); }
