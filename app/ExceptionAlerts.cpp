@@ -115,6 +115,11 @@ std::optional<CAlertChoice> ContextAlert(const CExceptionBodyMixin& failure) {
   return std::nullopt;
 }
 
+/// Told from data that no format has room for, which is the file's fault.
+bool IsFullDisk(const CExceptionBodyMixin& failure) {
+  return IsKind<XOutOfSpace>(failure) && ContextValue(failure, kTargetObjectType) == "disk";
+}
+
 /// The alert that belongs to what the job was doing, or nothing where the kind says more.
 std::optional<CAlertNumber> SituationAlert(const CExceptionBodyMixin& failure,
                                            ESituation situation) {
@@ -127,6 +132,7 @@ std::optional<CAlertNumber> SituationAlert(const CExceptionBodyMixin& failure,
     case ESituation::kVerifying:
       return kAlertNotVerified;
     case ESituation::kPacking:
+      if (IsFullDisk(failure)) return std::nullopt;
       return kAlertNotPacked;
     case ESituation::kComposing:
       if (isBadData) return kAlertBadFormatCancelled;

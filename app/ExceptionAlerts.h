@@ -38,7 +38,8 @@ struct CAlertChoice {
 /// version, the output folder and the package's size come from the failure itself; a shortcut that
 /// cannot be resolved while scanning, a file that cannot be verified or packed and a package that
 /// cannot be composed or fails the final verification have alerts that name `fileName`. Failures
-/// in none of these situations are shown by their kind and the type of the failing object.
+/// in none of these situations are shown by their kind and the type of the failing object, and so
+/// are memory that runs out, whatever the job was doing, and a disk that is full while it packs.
 std::optional<CAlertChoice> ChooseAlert(const std::exception_ptr& failure, ESituation situation,
                                         const std::u16string& fileName);
 

@@ -1,7 +1,6 @@
 #include "cli/CheckCommand.h"
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
 
 #include "Parts/TolbrookPackage/Core/Text.h"
 

@@ -18,6 +18,7 @@
 #include "cli/FailureReport.h"
 #include "cli/HelpFormatter.h"
 #include "cli/JobSession.h"
+#include "cli/LastResort.h"
 #include "cli/PackCommand.h"
 #include "cli/Suggestion.h"
 #include "cli/Terminal.h"
@@ -60,8 +61,8 @@ void ShowFailure(const CConsole& console, const std::string& subject) {
     NSTambraPacking::CExceptionResponder(texts, presenter).Respond(failure);
   } catch (const XOutputClosed&) {
     return;
-  } catch (const std::exception& e) {
-    console.Warn(e.what());
+  } catch (...) {
+    ShowLastFailure();
   }
 }
 

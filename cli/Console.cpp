@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <nlohmann/json.hpp>
 #include <utf8proc.h>
 
 #include "Parts/TolbrookPackage/Core/Text.h"
@@ -93,8 +92,8 @@ std::string CConsole::Painted(const std::string& text, EColour colour) const {
   return "\x1B[" + std::string(ColourCode(colour)) + "m" + text + "\x1B[0m";
 }
 
-void CConsole::PrintJson(const nlohmann::ordered_json& value) const {
-  Print(value.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace));
+void CConsole::PrintJson(const CJson& value) const {
+  Print(value.Text());
   Flush();
 }
 

@@ -1,12 +1,13 @@
 #pragma once
 
 #include <cstdint>
-#include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "Parts/TolbrookPackage/Core/Exception.h"
+
+#include "cli/Json.h"
 
 namespace NSTambraCli {
 
@@ -34,7 +35,7 @@ class CConsole {
   /// in the environment.
   std::string Painted(const std::string& text, EColour colour) const;
   /// One JSON value on a line of its own, written at once.
-  void PrintJson(const nlohmann::ordered_json& value) const;
+  void PrintJson(const CJson& value) const;
   void Flush() const;
   /// A line for the user on standard error; nothing when quiet.
   void Note(std::string_view line) const;

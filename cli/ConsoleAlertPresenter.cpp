@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <nlohmann/json.hpp>
 
 #include "Parts/TolbrookPackage/Core/Exception.h"
 #include "Parts/TolbrookPackage/Core/Text.h"
@@ -157,13 +156,13 @@ void CConsoleAlertPresenter::Report(CAlertNumber number, const CAlertText& alert
     fConsole.Warn(label.empty() ? lines : lines + "\n[" + Printable(label) + "]");
     return;
   }
-  nlohmann::ordered_json event = {{"event", "alert"},
-                                  {"table", number.fTable},
-                                  {"number", number.fEntry},
-                                  {"kind", KindName(alert.fKind)},
-                                  {"title", NSTolbrook::Utf8FromText(alert.fTitle)},
-                                  {"message", NSTolbrook::Utf8FromText(alert.fMessage)}};
-  if (!label.empty()) event["answer"] = NSTolbrook::Utf8FromText(label);
+  CJson event = {{"event", "alert"},
+                 {"table", number.fTable},
+                 {"number", number.fEntry},
+                 {"kind", KindName(alert.fKind)},
+                 {"title", NSTolbrook::Utf8FromText(alert.fTitle)},
+                 {"message", NSTolbrook::Utf8FromText(alert.fMessage)}};
+  if (!label.empty()) event.Add("answer", NSTolbrook::Utf8FromText(label));
   fConsole.PrintJson(event);
 }
 

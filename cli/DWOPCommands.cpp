@@ -1,5 +1,3 @@
-#include <nlohmann/json.hpp>
-
 #include "Parts/TolbrookPackage/Core/Exception.h"
 #include "Parts/TolbrookPackage/Core/Text.h"
 
@@ -104,23 +102,22 @@ CLI::App* CDWOPInfoCommand::Register(CLI::App& program) {
 
 void PrintJson(const CConsole& console, const CDWOPStreamParts& parts) {
   const NSTambraPacking::CDWOPHeader& header = parts.fHeader;
-  nlohmann::ordered_json info = {
-      {"version", header.fVersion.Text()},
-      {"frames", header.fLength},
-      {"channels", header.fChannels},
-      {"bits", header.fWidth},
-      {"rate", header.fRate},
-      {"root_key", header.fRootKey},
-      {"fine_tune", static_cast<std::int8_t>(header.fFineTune)},
-      {"loop",
-       {{"mode", header.fLoopMode}, {"start", header.fLoopStart}, {"end", header.fLoopEnd}}},
-      {"samples", {{"offset", parts.fBitStream}, {"size", parts.fWords * sizeof(std::uint32_t)}}},
-      {"extra_info", nullptr}};
+  CJson extraInfo = nullptr;
   if (parts.fExtraInfo) {
-    info["extra_info"] = {{"offset", parts.fExtraInfo->fDataStart},
-                          {"size", parts.fExtraInfo->fDataLength}};
+    extraInfo = {{"offset", parts.fExtraInfo->fDataStart}, {"size", parts.fExtraInfo->fDataLength}};
   }
-  console.PrintJson(info);
+  console.PrintJson(
+      {{"version", header.fVersion.Text()},
+       {"frames", header.fLength},
+       {"channels", header.fChannels},
+       {"bits", header.fWidth},
+       {"rate", header.fRate},
+       {"root_key", header.fRootKey},
+       {"fine_tune", static_cast<std::int8_t>(header.fFineTune)},
+       {"loop",
+        {{"mode", header.fLoopMode}, {"start", header.fLoopStart}, {"end", header.fLoopEnd}}},
+       {"samples", {{"offset", parts.fBitStream}, {"size", parts.fWords * sizeof(std::uint32_t)}}},
+       {"extra_info", extraInfo}});
 }
 
 std::u16string LoopText(const CTextResources& texts, const NSTambraPacking::CDWOPHeader& header) {

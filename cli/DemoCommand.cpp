@@ -1,7 +1,5 @@
 #include "cli/DemoCommand.h"
 
-#include <nlohmann/json.hpp>
-
 #include "Parts/TolbrookPackage/Core/Text.h"
 
 #include "app/demo/DemoLibrary.h"

@@ -1,5 +1,4 @@
 #include <array>
-#include <nlohmann/json.hpp>
 
 #include "Parts/TolbrookPackage/Core/Text.h"
 
@@ -53,19 +52,20 @@ CKindShown ShownAs(CChange::EKind kind) {
 }
 
 void PrintEvent(const CConsole& console, const CChange& change) {
-  nlohmann::ordered_json event = {{"event", "change"},
-                                  {"kind", ShownAs(change.fKind).fName},
-                                  {"name", Utf8FromText(change.fName)}};
+  CJson differences = CJson::Array();
   for (const CDifference& difference : change.fDifferences) {
     const bool isReference = difference.fKind == EDifference::kReferenceAdded;
-    nlohmann::ordered_json item = {
-        {"kind", kDifferenceNames.at(static_cast<std::size_t>(difference.fKind))}};
+    CJson item = {{"kind", kDifferenceNames.at(static_cast<std::size_t>(difference.fKind))}};
     if (!difference.fBefore.empty() || !difference.fAfter.empty()) {
-      item[isReference ? "after" : "before"] = Utf8FromText(difference.fBefore);
-      if (!difference.fAfter.empty()) item["after"] = Utf8FromText(difference.fAfter);
+      item.Add(isReference ? "after" : "before", Utf8FromText(difference.fBefore));
+      if (!difference.fAfter.empty()) item.Add("after", Utf8FromText(difference.fAfter));
     }
-    event["differences"].push_back(std::move(item));
+    differences.Append(item);
   }
+  CJson event = {{"event", "change"},
+                 {"kind", ShownAs(change.fKind).fName},
+                 {"name", Utf8FromText(change.fName)}};
+  if (!change.fDifferences.empty()) event.Add("differences", differences);
   console.PrintJson(event);
 }
 

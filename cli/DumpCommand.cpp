@@ -1,5 +1,3 @@
-#include <nlohmann/json.hpp>
-
 #include "Parts/TolbrookPackage/Core/Text.h"
 
 #include "app/StructureDump.h"

@@ -1,5 +1,3 @@
-#include <nlohmann/json.hpp>
-
 #include "Parts/TolbrookPackage/Core/Exception.h"
 #include "Parts/TolbrookPackage/Core/Text.h"
 
@@ -47,10 +45,10 @@ class CExtractionReport {
     const bool isDamaged = outcome.fKind == CExtractedEntry::EKind::kDamaged;
     ++(isDamaged ? fDamaged : fWritten);
     if (fConsole.Json()) {
-      nlohmann::ordered_json event = {{"event", "file"},
-                                      {"path", Utf8FromText(entry.Path())},
-                                      {"state", StateName(outcome.fKind)}};
-      if (!outcome.fReason.empty()) event["reason"] = outcome.fReason;
+      CJson event = {{"event", "file"},
+                     {"path", Utf8FromText(entry.Path())},
+                     {"state", StateName(outcome.fKind)}};
+      if (!outcome.fReason.empty()) event.Add("reason", outcome.fReason);
       fConsole.PrintJson(event);
     } else if (outcome.fKind != CExtractedEntry::EKind::kWhole) {
       fView->Clear();

@@ -1,7 +1,7 @@
 #include "cli/FailureReport.h"
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
+#include <new>
 
 #include "Parts/TolbrookPackage/Core/Exception.h"
 #include "Parts/TolbrookPackage/Core/Text.h"
@@ -18,6 +18,8 @@ struct CDetail {
 CDetail DetailOf(const std::exception_ptr& failure) {
   try {
     std::rethrow_exception(failure);
+  } catch (const std::bad_alloc&) {
+    return {};  // the alert of its kind says it all
   } catch (const NSMordel::CExceptionBodyMixin& e) {
     return {e.Message(), e.Context()};
   } catch (const std::exception& e) {
@@ -25,6 +27,12 @@ CDetail DetailOf(const std::exception_ptr& failure) {
   } catch (...) {
     return {};
   }
+}
+
+CJson ObjectOf(const NSMordel::CContext& context) {
+  CJson object = std::initializer_list<CJson::CMember>{};
+  for (const auto& [key, value] : context) object.Add(key, value);
+  return object;
 }
 
 }  // namespace
@@ -40,8 +48,8 @@ bool ReportDetail(const CConsole& console, const NSTambraPacking::CTextResources
     detail.fContext.emplace_back(NSMordel::kTargetObjectId, subject);
   }
   if (console.Json()) {
-    nlohmann::ordered_json event = {{"event", "failure"}, {"message", detail.fMessage}};
-    for (const auto& [key, value] : detail.fContext) event["context"][key] = value;
+    CJson event = {{"event", "failure"}, {"message", detail.fMessage}};
+    if (!detail.fContext.empty()) event.Add("context", ObjectOf(detail.fContext));
     console.PrintJson(event);
     return true;
   }

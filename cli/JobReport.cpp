@@ -1,6 +1,5 @@
 #include "cli/JobReport.h"
 
-#include <nlohmann/json.hpp>
 #include <utility>
 
 #include "Parts/TolbrookPackage/Core/Text.h"
@@ -35,6 +34,12 @@ CRemarkText TextOf(ERemark remark) {
   return {kRemarkLoopStructureOnly, "loop_structure_only"};
 }
 
+CJson ArrayOf(const std::vector<std::u16string>& texts) {
+  CJson array = CJson::Array();
+  for (const std::u16string& text : texts) array.Append(Utf8FromText(text));
+  return array;
+}
+
 /// Prints one kind of finding: a title once, then its files with their details.
 class CFindings {
  public:
@@ -49,9 +54,8 @@ class CFindings {
 
   void Add(const std::u16string& file, const std::vector<std::u16string>& details) {
     if (fConsole.Json()) {
-      nlohmann::ordered_json event = {
-          {"event", "finding"}, {"kind", fKind}, {"file", Utf8FromText(file)}};
-      for (const std::u16string& detail : details) event["details"].push_back(Utf8FromText(detail));
+      CJson event = {{"event", "finding"}, {"kind", fKind}, {"file", Utf8FromText(file)}};
+      if (!details.empty()) event.Add("details", ArrayOf(details));
       fConsole.PrintJson(event);
       return;
     }
@@ -77,10 +81,10 @@ void PrintAdvice(const CConsole& console, const CTextResources& texts, const CPa
       for (const std::u16string& hint : hints) console.Print(kDetailIndent + Printable(hint));
       continue;
     }
-    nlohmann::ordered_json event = {
-        {"event", "hint"}, {"file", Utf8FromText(entry)}, {"reference", Utf8FromText(reference)}};
-    for (const std::u16string& hint : hints) event["hints"].push_back(Utf8FromText(hint));
-    console.PrintJson(event);
+    console.PrintJson({{"event", "hint"},
+                       {"file", Utf8FromText(entry)},
+                       {"reference", Utf8FromText(reference)},
+                       {"hints", ArrayOf(hints)}});
   }
 }
 

@@ -1,5 +1,4 @@
 #include <map>
-#include <nlohmann/json.hpp>
 
 #include "Parts/TolbrookPackage/Core/Text.h"
 
@@ -13,11 +12,8 @@ namespace NSTambraCli {
 
 namespace {
 
+using NSTolbrook::Utf8FromText;
 using Entries = std::vector<std::shared_ptr<NSTambraPacking::CPackageEntry>>;
-
-std::string JsonText(const std::u16string& text) {
-  return nlohmann::json(NSTolbrook::Utf8FromText(text)).dump();
-}
 
 /// Written piece by piece: a tree of as many objects would take longer than all the rest.
 void PrintJson(const CConsole& console, const NSTambraPacking::CTextResources& texts,
@@ -27,11 +23,12 @@ void PrintJson(const CConsole& console, const NSTambraPacking::CTextResources& t
   for (const auto& entry : entries) {
     std::string& name = names[entry->TypeCode()];
     if (name.empty()) {
-      name = JsonText(NSTambraPacking::EntryTypeName(texts, entry->TypeCode()));
+      name = CJson(Utf8FromText(NSTambraPacking::EntryTypeName(texts, entry->TypeCode()))).Text();
     }
     list += list.empty() ? "{\"path\":" : ",{\"path\":";
-    list += JsonText(entry->Path()) + ",\"type\":" + std::to_string(entry->TypeCode()) +
-            ",\"type_name\":" + name + ",\"size\":" + std::to_string(entry->Data()->Size()) +
+    list += CJson(Utf8FromText(entry->Path())).Text() +
+            ",\"type\":" + std::to_string(entry->TypeCode()) + ",\"type_name\":" + name +
+            ",\"size\":" + std::to_string(entry->Data()->Size()) +
             ",\"flag\":" + std::to_string(entry->Flag()) + "}";
   }
   console.Print("{\"entries\":[" + list + "]}");

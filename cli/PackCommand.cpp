@@ -1,7 +1,6 @@
 #include "cli/PackCommand.h"
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
 #include <thread>
 
 #include "Parts/TolbrookPackage/Core/Exception.h"
@@ -40,10 +39,10 @@ void ReportFiles(CJobSession& session, const char* ending, EExitStatus status) {
       isWritten ? NSTolbrook::DisplayText(state->fOutputFile.Path()) : std::string();
   const CConsole& console = session.Console();
   if (console.Json()) {
-    nlohmann::ordered_json event = {{"event", "result"}, {"ending", ending}, {"status", status}};
-    if (isWritten) event["package"] = package;
-    if (isWritten) event["files"] = state->fInformation.fFileCount;
-    if (!log.empty()) event["log"] = log;
+    CJson event = {{"event", "result"}, {"ending", ending}, {"status", status}};
+    if (isWritten) event.Add("package", package);
+    if (isWritten) event.Add("files", state->fInformation.fFileCount);
+    if (!log.empty()) event.Add("log", log);
     console.PrintJson(event);
     return;
   }

@@ -1,5 +1,3 @@
-#include <nlohmann/json.hpp>
-
 #include "Parts/TolbrookPackage/Core/Exception.h"
 #include "Parts/TolbrookPackage/Core/Text.h"
 
@@ -19,22 +17,21 @@ using NSTambraPacking::CVerificationResult;
 using NSTolbrook::Utf8FromText;
 
 void PrintJson(const CConsole& console, const CVerificationResult& result, bool isSound) {
-  nlohmann::ordered_json report = {{"sound", isSound},
-                                   {"quick", false},
-                                   {"verified", result.fVerifiedCount},
-                                   {"failed", nlohmann::ordered_json::array()},
-                                   {"broken", nlohmann::ordered_json::array()}};
+  CJson failed = CJson::Array();
   for (const auto& [entry, message] : result.fFailed) {
-    report["failed"].push_back({{"path", Utf8FromText(entry->Path())}, {"message", message}});
+    failed.Append({{"path", Utf8FromText(entry->Path())}, {"message", message}});
   }
+  CJson broken = CJson::Array();
   for (const auto& [entry, references] : result.fBroken) {
-    nlohmann::ordered_json broken = {{"path", Utf8FromText(entry->Path())}};
-    for (const auto& reference : references) {
-      broken["references"].push_back(Utf8FromText(reference));
-    }
-    report["broken"].push_back(std::move(broken));
+    CJson names = CJson::Array();
+    for (const auto& reference : references) names.Append(Utf8FromText(reference));
+    broken.Append({{"path", Utf8FromText(entry->Path())}, {"references", names}});
   }
-  console.PrintJson(report);
+  console.PrintJson({{"sound", isSound},
+                     {"quick", false},
+                     {"verified", result.fVerifiedCount},
+                     {"failed", failed},
+                     {"broken", broken}});
 }
 
 void PrintLines(const CConsole& console, const CTextResources& texts,

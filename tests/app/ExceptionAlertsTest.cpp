@@ -91,8 +91,10 @@ TEST(ExceptionAlerts, TheJobsAlertsGoBySituation) {
   }
   const auto outOfMemory = std::make_exception_ptr(std::bad_alloc());
   EXPECT_EQ(ChooseAlert(outOfMemory, ESituation::kPacking, u"f")->fNumber, kGenericOutOfMemory);
-  const auto diskFull = ChooseAlert(Make<XOutOfSpace>(), ESituation::kComposing, u"f");
-  EXPECT_EQ(diskFull->fNumber, kGenericDiskFull);
+  const auto diskFull = Make<XOutOfSpace>({{kTargetObjectType, "disk"}});
+  for (const ESituation situation : {ESituation::kPacking, ESituation::kComposing}) {
+    EXPECT_EQ(ChooseAlert(diskFull, situation, u"f")->fNumber, kGenericDiskFull);
+  }
 }
 
 TEST(ExceptionAlerts, NamedObjectsHaveTheirOwn) {

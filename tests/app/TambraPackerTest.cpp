@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <thread>
 
 #include "tests/support/PackRun.h"
 
@@ -413,6 +414,24 @@ TEST(TambraPacker, StopsAtEveryCheckBetweenReports) {
     EXPECT_EQ(run.OutputFiles().size(), (isWhole ? 1U : 0U) + (stopped ? 0U : 1U));
   }
   EXPECT_GT(checks, 9U) << "at least one for each phase";
+}
+
+/// As a window or a signal handler asks for it: while several threads are at work.
+TEST(TambraPacker, IsStoppedFromAnotherThread) {
+  CLibrary library;
+  for (int i = 0; i < 40; ++i) library.WithSample("Samples/" + std::to_string(i) + ".wav");
+  for (const int phase : {3, 4}) {
+    CPackRun run(library);
+    run.fSettings.fJobs = 4;
+    std::thread user;
+    run.fProgress.fOnPhase = [&](int begun) {
+      if (begun == phase) user = std::thread([&run] { run.fProgress.RequestStop(); });
+      if (begun > phase && user.joinable()) user.join();
+    };
+    EXPECT_EQ(run.Pack(), "silent: User aborted") << phase;
+    if (user.joinable()) user.join();
+    EXPECT_TRUE(run.OutputFiles().empty());
+  }
 }
 
 TEST(TambraPacker, GivesTheSameBytesAndReportsForAnyNumberOfThreads) {

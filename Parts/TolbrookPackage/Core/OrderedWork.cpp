@@ -7,7 +7,6 @@
 #include <mutex>
 #include <numeric>
 #include <optional>
-#include <system_error>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -89,7 +88,7 @@ class CWorkers {
     for (std::size_t job = 0; job < jobs; ++job) {
       try {
         fThreads.emplace_back([this] { Work(); });
-      } catch (const std::system_error&) {
+      } catch (...) {  // no more threads, or no memory for one
         if (fThreads.empty()) throw;
         break;  // fewer threads do the same work
       }
