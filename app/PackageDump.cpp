@@ -6,6 +6,7 @@
 #include "package/BufferedReader.h"
 #include "package/PackageFormat.h"
 #include "package/PackageIndex.h"
+#include "package/PackageReader.h"
 #include "package/PartialMedia.h"
 
 namespace NSTambraPacking {
@@ -64,13 +65,18 @@ void DumpPackage(const NSBigFilePackage::SharedMedia& file, const CTextResources
     if (checkStop) checkStop();
     entries.push_back(DumpIndexEntry(dump, texts, i));
   }
+  std::uint64_t sizes = 0;
   for (const CIndexEntry& entry : entries) {
     if (checkStop) checkStop();
     const std::uint64_t offset = std::uint64_t{starts.fDataStart} + entry.fOffset;
+    sizes += entry.fSize;
+    const std::uint64_t fileSize = buffered.Size();
+    if (offset + entry.fSize > fileSize || sizes > fileSize * kGreatestSharing) break;
     const auto data = std::make_shared<NSBigFilePackage::CPartialMedia>(file, offset, entry.fSize);
     dump.Range("data", offset, entry.fSize, entry.fName);
     if (entry.fTypeCode == kSampleEntryType) DumpDWOPStream(data, offset, 1, report, checkStop);
   }
+  CPackageReader(file).ReadEntries();  // throws what is wrong with the whole
 }
 
 }  // namespace NSTambraPacking

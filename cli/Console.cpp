@@ -52,8 +52,8 @@ const char* ColourCode(EColour colour) {
 }
 
 bool IsControl(char16_t unit) {
-  return unit < 0x20 || (unit >= 0x7F && unit < 0xA0) || (unit >= 0x2028 && unit <= 0x202E) ||
-         (unit >= 0x2066 && unit <= 0x2069);
+  return unit < 0x20 || (unit >= 0x7F && unit < 0xA0) || unit == 0x061C || unit == 0x200E ||
+         unit == 0x200F || (unit >= 0x2028 && unit <= 0x202E) || (unit >= 0x2066 && unit <= 0x2069);
 }
 
 void WriteLine(std::FILE* stream, std::string_view line) {

@@ -21,11 +21,12 @@ inline std::vector<NSTambraPacking::CSampleReference> Relocated(
   const CReferenceLookup lookup(tree, {u"Volume", u"Input"});
   const CStandardReferenceRelocator relocator(lookup, u"Kit", u"");
   std::vector<CSampleReference> relocated;
-  for (const auto& [kind, reference] : references) {
-    auto moved = Read([&] { return relocator.Relocate(kind, reference, u"Folder/Document"); });
-    relocated.push_back(moved.value_or(reference));
+  for (const auto& each : references) {
+    auto moved =
+        Read([&] { return relocator.Relocate(each.first, each.second, u"Folder/Document"); });
+    relocated.push_back(moved.value_or(each.second));
     auto& type = relocated.back().fType;
-    type = type.value_or(TypeOfKind(kind));
+    type = type.value_or(TypeOfKind(each.first));
   }
   return relocated;
 }

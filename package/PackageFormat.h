@@ -22,6 +22,10 @@ inline constexpr std::uint64_t kPackageLimit = 0xFFFFFFFF;
 /// holes may seem to hold gigabytes of text.
 inline constexpr std::uint32_t kGreatestTextField = std::uint32_t{16} << 20;
 
+/// The entries of a package may share bytes; so many times the data region's length is the most
+/// that they may have together.
+inline constexpr std::uint64_t kGreatestSharing = 16;
+
 /// Bytes of buffer with which a package is read from its start.
 inline constexpr std::size_t kPackageBufferLength = 16384;
 

@@ -48,6 +48,14 @@ void CheckInsideData(std::uint32_t offset, std::uint32_t size, std::uint64_t dat
       {{NSMordel::kTargetObjectType, "file"}, {NSMordel::kTargetObjectId, utf8}});
 }
 
+/// Throws when entries share bytes so often that reading them all costs out of proportion.
+void CheckSharing(std::uint64_t sizes, std::uint64_t dataLength) {
+  if (sizes <= dataLength * kGreatestSharing) return;
+  throw XFormatViolation("the package's entries have " + std::to_string(sizes) +
+                         " bytes, but its data has only " + std::to_string(dataLength) +
+                         ", and no byte can belong to so many");
+}
+
 }  // namespace
 
 CPackageReader::CPackageReader(SharedMedia package)
@@ -86,13 +94,16 @@ std::vector<std::shared_ptr<CPackageEntry>> CPackageReader::ReadEntries() const 
   // Its size is known, where a file has to ask the system once for each entry.
   const auto whole = std::make_shared<CPartialMedia>(fPackage, 0, fBuffered->Size());
   std::vector<std::shared_ptr<CPackageEntry>> entries;
+  std::uint64_t sizes = 0;
   for (std::uint32_t i = 0; i < fHeader.fFileCount; ++i) {
     CIndexEntry entry = ReadIndexEntry(cursor);
     CheckInsideData(entry.fOffset, entry.fSize, regions.fDataEnd - dataStart, entry.fName);
+    sizes += entry.fSize;
     auto data = std::make_shared<CPartialMedia>(whole, dataStart + entry.fOffset, entry.fSize);
     entries.push_back(
         MakePackageEntry(std::move(entry.fName), entry.fTypeCode, entry.fFlag, std::move(data)));
   }
+  CheckSharing(sizes, regions.fDataEnd - dataStart);
   return entries;
 }
 

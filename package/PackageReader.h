@@ -25,11 +25,12 @@ class CPackageReader {
   /// - the index or the data region begins inside the header or behind the file's end,
   /// - the file count asks for more index entries than can stand in their region,
   /// - an index entry runs out of its region or has no name,
-  /// - the bytes of an entry, or of the splash, do not lie inside the data region.
+  /// - the bytes of an entry, or of the splash, do not lie inside the data region,
+  /// - the entries together are longer than the data region kGreatestSharing times.
   ///
   /// Either region may come first and runs up to the other one, the second up to the file's end.
-  /// Entries may share bytes and leave gaps: the format says where each one is, nothing else. No
-  /// entry is longer than the file.
+  /// Entries may share bytes and leave gaps: the format says where each one is, nothing else. What
+  /// it costs to read them all grows with the file, not with its square.
   std::vector<std::shared_ptr<CPackageEntry>> ReadEntries() const;
 
  private:
