@@ -4,10 +4,13 @@
 //
 // Settings come from the environment:
 //   FAULT_FOLDER  file operations count when their path lies below this folder
-//   FAULT_KIND    EIO, ENOSPC, EACCES, EINTR, short, memory; kill, stop: signals
+//   FAULT_KIND    EIO, ENOSPC, EACCES, EINTR, short, rename, close, memory; kill, stop: signals;
+//                 trace: nothing fails
 //   FAULT_AT      the number of the call that fails, from 1; 0: none
 //   FAULT_EVER    1: all calls behind it fail, too
 //   FAULT_COUNT   a file that gets the number of calls that could have failed
+//   FAULT_TRACE   a file that gets a line for each file operation in the folder, written before it
+//                 is done (open: behind it): what it is, its descriptor and its paths
 
 #include <atomic>
 #include <cerrno>
@@ -21,6 +24,7 @@
 #include <execinfo.h>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 namespace {
@@ -56,6 +60,9 @@ constexpr CKind kKinds[] = {
     {"EACCES", EACCES, kOpen | kCreate | kRename | kRemove | kStatus},
     {"EINTR", EINTR, kOpen | kTransfer | kFlush | kClose},
     {"short", 0, kTransfer},
+    {"rename", EPERM, kRename},
+    {"close", EIO, kClose},
+    {"trace", 0, kAllFiles},
     {"kill", 0, kAllFiles, SIGKILL},
     {"stop", 0, kAllFiles, SIGINT},
     {"memory", ENOMEM, kMemory},
@@ -76,8 +83,41 @@ struct CState {
   std::atomic<unsigned long> fCount = 0;
   std::atomic<bool> fWatched[4096] = {};  ///< by descriptor
   std::atomic<bool> fReady = false;
+  int fTrace = -1;
 };
 CState gState;
+
+const char* NameOf(ECall call) {
+  switch (call) {
+    case kOpen:
+      return "open";
+    case kCreate:
+      return "create";
+    case kRead:
+      return "read";
+    case kWrite:
+      return "write";
+    case kFlush:
+      return "flush";
+    case kClose:
+      return "close";
+    case kRename:
+      return "rename";
+    case kRemove:
+      return "remove";
+    default:
+      return "other";
+  }
+}
+
+/// Appends a line to the trace with a call of the system's own, in one piece.
+void Trace(ECall call, int descriptor, const char* path = "", const char* second = "") {
+  if (gState.fTrace < 0) return;
+  char line[9000];
+  const int length = std::snprintf(line, sizeof line, "%s\t%d\t%s\t%s\n", NameOf(call), descriptor,
+                                   path == nullptr ? "" : path, second);
+  ::syscall(SYS_write, gState.fTrace, line, static_cast<size_t>(length));
+}
 
 /// Shows where a program broke that should have ended by itself.
 void ShowPlace(int signal) {
@@ -98,6 +138,9 @@ __attribute__((constructor)) void Begin() {
   gState.fEver = *Setting("FAULT_EVER") == '1';
   std::snprintf(gState.fFolder, sizeof gState.fFolder, "%s", Setting("FAULT_FOLDER"));
   gState.fFolderLength = std::strlen(gState.fFolder);
+  if (*Setting("FAULT_TRACE") == 0) return;
+  gState.fTrace = static_cast<int>(::syscall(SYS_openat, AT_FDCWD, Setting("FAULT_TRACE"),
+                                             O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600));
 }
 
 __attribute__((destructor)) void End() {
@@ -142,8 +185,16 @@ Result Fail(Result result) {
   return result;
 }
 
-bool FailsAt(const char* path, ECall call) { return IsBelow(path) && IsHit(call); }
-bool FailsAt(int descriptor, ECall call) { return IsWatched(descriptor) && IsHit(call); }
+bool FailsAt(const char* path, ECall call, const char* second = "") {
+  if (!IsBelow(path)) return false;
+  Trace(call, -1, path, second);
+  return IsHit(call);
+}
+bool FailsAt(int descriptor, ECall call, const char* path = "") {
+  if (!IsWatched(descriptor)) return false;
+  Trace(call, descriptor, path);
+  return IsHit(call);
+}
 
 template <class Function>
 Function* Next(const char* name) {
@@ -156,6 +207,7 @@ int OpenAt(int folder, const char* path, int flags, mode_t mode) {
   if (below && IsHit((flags & O_CREAT) != 0 ? kCreate : kOpen)) return Fail(-1);
   const int descriptor = next(folder, path, flags, mode);
   Watch(descriptor, below);
+  if (below) Trace((flags & O_CREAT) != 0 ? kCreate : kOpen, descriptor, path);
   return descriptor;
 }
 
@@ -257,11 +309,11 @@ int fdatasync(int descriptor) {
 
 int rename(const char* from, const char* to) {
   static auto* const next = Next<int(const char*, const char*)>("rename");
-  return FailsAt(to, kRename) ? Fail(-1) : next(from, to);
+  return FailsAt(to, kRename, from) ? Fail(-1) : next(from, to);
 }
 int renameat(int fromFolder, const char* from, int toFolder, const char* to) {
   static auto* const next = Next<int(int, const char*, int, const char*)>("renameat");
-  const bool fails = FailsAt(to, kRename) || FailsAt(toFolder, kRename);
+  const bool fails = FailsAt(to, kRename, from) || FailsAt(toFolder, kRename, to);
   return fails ? Fail(-1) : next(fromFolder, from, toFolder, to);
 }
 int unlink(const char* path) {
@@ -270,7 +322,7 @@ int unlink(const char* path) {
 }
 int unlinkat(int folder, const char* path, int flags) {
   static auto* const next = Next<int(int, const char*, int)>("unlinkat");
-  const bool fails = FailsAt(path, kRemove) || FailsAt(folder, kRemove);
+  const bool fails = FailsAt(path, kRemove) || FailsAt(folder, kRemove, path);
   return fails ? Fail(-1) : next(folder, path, flags);
 }
 int mkdir(const char* path, mode_t mode) {
@@ -310,9 +362,21 @@ int closedir(DIR* folder) {
   return next(folder);
 }
 
-void* malloc(size_t size) {
-  static auto* const next = Next<void*(size_t)>("malloc");
-  return IsHit(kMemory) ? Fail<void*>(nullptr) : next(size);
+// By their other names, since what finds the next function may take memory itself.
+void* __libc_malloc(size_t size);
+void* __libc_calloc(size_t count, size_t size);
+void* __libc_realloc(void* block, size_t size);
+void* __libc_memalign(size_t alignment, size_t size);
+
+void* malloc(size_t size) { return IsHit(kMemory) ? Fail<void*>(nullptr) : __libc_malloc(size); }
+void* calloc(size_t count, size_t size) {
+  return IsHit(kMemory) ? Fail<void*>(nullptr) : __libc_calloc(count, size);
+}
+void* realloc(void* block, size_t size) {
+  return IsHit(kMemory) ? Fail<void*>(nullptr) : __libc_realloc(block, size);
+}
+void* aligned_alloc(size_t alignment, size_t size) {
+  return IsHit(kMemory) ? Fail<void*>(nullptr) : __libc_memalign(alignment, size);
 }
 
 }  // extern "C"

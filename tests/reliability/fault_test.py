@@ -1,83 +1,114 @@
 #!/usr/bin/env python3
 """Packs a small library again and again while one operation fails: each file operation in turn with
-each kind of fault, once and for ever, and each allocation. However a run ends, it ends by itself
-with a status of its own, leaves the package whole or absent and nothing else, and does not touch
-its input. Prints what it counted; --report writes that as JSON."""
+each kind of fault, and each allocation; once and for ever, with one thread and with two. However a
+run ends, it ends by itself with a status and an alert of its own, leaves the package whole or
+absent and nothing else, and does not touch its input."""
 
 import argparse
 import collections
 import concurrent.futures
-import itertools
-import json
 import os
 import pathlib
 import sys
 import tempfile
 
-from trial import Trial, alerts_of
+import report
+from trial import Trial, alerts_of, events_of
 
 # A call that is interrupted or transfers less than it was asked for is no failure at all.
 HARMLESS = ("EINTR", "short")
-KINDS = ("EIO", "ENOSPC", "EACCES", "EINTR", "short", "memory")
+KINDS = ("EIO", "ENOSPC", "EACCES", "rename", "close", "EINTR", "short", "memory")
+# What reading meets, and removing: a temporary file may stay, and the next run removes it.
+STICKING = ("EIO", "EACCES")
 FAILED = 4
-FULL_DISK, NO_MEMORY = 3, 0
+REFUSED = 3  # a file that cannot be read is a failed entry, and the input is not packed
+FULL_DISK, NO_MEMORY = "1997:3", "1997:0"
+NO_MEMORY_TEXT = b"not enough memory is available"
+
+Fault = collections.namedtuple("Fault", "kind at ever jobs")
 
 
-def faults_of_ending(trial, kind, ever, done):
-    """What is wrong with how a run ended."""
-    alerts, status = alerts_of(done), done.returncode
-    if not 0 <= status <= FAILED or status == 2:
-        yield f"ended with {status}"
-    if kind in HARMLESS and status != trial.status:
-        yield f"ended with {status} rather than {trial.status}"
-    if status != FAILED or ever:
-        return
+def name_of(fault):
+    times = " and ever after" if fault.ever else ""
+    return f"{fault.kind} at call {fault.at}{times}, {fault.jobs} threads"
+
+
+def faults_of_alerts(fault, done):
+    """What is wrong with what a failed run told."""
+    alerts = alerts_of(done)
     if not done.stderr and not done.stdout:
         yield "failed without a word"
-    if kind == "ENOSPC" and FULL_DISK not in alerts:
-        yield f"showed {alerts} rather than that the disk is full"
-    if kind == "memory" and alerts and NO_MEMORY not in alerts:
+    if fault.kind == "memory" and NO_MEMORY not in alerts and NO_MEMORY_TEXT not in done.stderr:
         yield f"showed {alerts} rather than that memory is out"
+    if fault.kind == "ENOSPC" and not fault.ever and FULL_DISK not in alerts:
+        yield f"showed {alerts} rather than that the disk is full"
+    results = [event["status"] for event in events_of(done) if event.get("event") == "result"]
+    if results and results[-1] != done.returncode:
+        yield f"says that it ended with {results[-1]}"
 
 
-def try_fault(trial, kind, at, ever):
-    done = trial.run(kind, at, ever)
-    faults = list(faults_of_ending(trial, kind, ever, done))
-    faults += trial.faults_of_files(done.returncode in (0, 1))
-    # A file that cannot be removed stays, and the next run removes it.
-    stuck = [fault for fault in faults if fault.startswith("left .tambra-")]
-    if stuck and (ever or kind in ("EIO", "EACCES")) and not list(trial.faults_of_next_run()):
-        faults = [fault for fault in faults if fault not in stuck]
+def faults_of_ending(trial, fault, done):
+    """What is wrong with how a run ended."""
+    status = done.returncode
+    if status not in (0, 1, FAILED) and not (status == REFUSED and fault.kind in STICKING):
+        yield f"ended with {status}"
+    if fault.kind in HARMLESS and status != trial.status:
+        yield f"ended with {status} rather than {trial.status}"
+    if status == FAILED:
+        yield from faults_of_alerts(fault, done)
+
+
+def try_fault(trial, fault):
+    """Runs once; gives what was wrong and how the run ended."""
+    done = trial.run(*fault)
+    wrong = [*faults_of_ending(trial, fault, done), *trial.faults_of_files(done.returncode in (0, 1))]
+    stuck = [each for each in wrong if each.startswith("left .tambra-")]
+    if stuck and (fault.ever or fault.kind in STICKING) and not list(trial.faults_of_next_run()):
+        wrong = [each for each in wrong if each not in stuck]
     told = done.stderr.decode(errors="replace").strip()[-1500:]
-    ending = (kind, ever, done.returncode, "+".join(map(str, alerts_of(done))) or "none")
-    return [f"{kind} {at}{' for ever' if ever else ''}: {fault}: {told}" for fault in faults], ending
+    alerts = " ".join(alerts_of(done)) or "none"
+    ending = f"{fault.kind}: status {done.returncode}, alerts {alerts}"
+    return [f"{name_of(fault)}: {each}: {told}" for each in wrong], ending
 
 
-def plan(trial, options):
-    counted = {kind: trial.calls(kind) for kind in options.kinds}
+def places(count, most):
+    """Numbers from 1 to `count`: all of them, or as many as wanted, evenly spread."""
+    if not most or count <= most:
+        return range(1, count + 1)
+    return sorted({1 + index * (count - 1) // (most - 1) for index in range(most)})
+
+
+def plan(counted, options):
+    """Every fault to be tried."""
     work = []
-    for kind, ever in itertools.product(options.kinds, (False, True)):
-        step = options.memory_every if kind == "memory" else options.every
-        if not (ever and kind == "EINTR"):  # no system interrupts for ever
-            work += [(kind, at, ever) for at in range(1, counted[kind] + 1, step)]
-    return counted, work
+    for kind, count in counted.items():
+        most = options.most_allocations if kind == "memory" else options.most
+        for ever, jobs in ((False, 1), (True, 1), (False, 2)):
+            if not (ever and kind == "EINTR"):  # no system interrupts for ever
+                work += [Fault(kind, at, ever, jobs) for at in places(count, most)]
+    return work
 
 
 def run_all(options, scratch):
+    """Tries all faults, several side by side; gives the report and what was wrong."""
     trials = [Trial(pathlib.Path(scratch) / str(number), options.program, options.faults,
-                    options.library) for number in range(options.jobs)]
-    counted, work = plan(trials[0], options)
+                    options.library) for number in range(options.side_by_side)]
+    counted = {kind: trials[0].calls(kind) for kind in options.kinds}
+    work = plan(counted, options)
 
     def do_share(number):
-        return [try_fault(trials[number], *item)
-                for item in itertools.islice(work, number, None, len(trials))]
+        share = work[number::len(trials)]
+        return [try_fault(trials[number], fault) for fault in share]
 
-    endings, faults = collections.Counter(), []
+    endings, wrong = collections.Counter(), []
     with concurrent.futures.ThreadPoolExecutor(len(trials)) as pool:
-        for found, ending in itertools.chain.from_iterable(pool.map(do_share, range(len(trials)))):
-            faults += found
-            endings[ending] += 1
-    return counted, len(work), endings, faults
+        for results in pool.map(do_share, range(len(trials))):
+            for found, ending in results:
+                wrong += found
+                endings[ending] += 1
+    runs = collections.Counter(fault.kind for fault in work)
+    return {"runs": len(work), "runs_of_kind": dict(runs), "calls_that_could_fail": counted,
+            "endings": dict(endings), "faults_found": len(wrong)}, wrong
 
 
 def main():
@@ -86,24 +117,16 @@ def main():
     parser.add_argument("faults", type=pathlib.Path, help="the library that makes calls fail")
     parser.add_argument("library", type=pathlib.Path, help="the input folder")
     parser.add_argument("--kinds", nargs="+", choices=KINDS, default=KINDS)
-    parser.add_argument("--every", type=int, default=1, help="only every so many file operations")
-    parser.add_argument("--memory-every", type=int, default=1, help="the same for allocations")
-    parser.add_argument("--jobs", type=int, default=os.cpu_count())
-    parser.add_argument("--report", type=pathlib.Path)
+    parser.add_argument("--most", type=int, default=0, help="places that each kind of fault strikes")
+    parser.add_argument("--most-allocations", type=int, default=0, help="the same for allocations")
+    parser.add_argument("--side-by-side", type=int, default=os.cpu_count())
     options = parser.parse_args()
     with tempfile.TemporaryDirectory(prefix="faults-") as scratch:
-        counted, runs, endings, faults = run_all(options, scratch)
-    report = {"calls_that_could_fail": counted, "runs": runs, "faults_found": len(faults),
-              "endings": [{"kind": kind, "for_ever": ever, "status": status, "alerts": alerts,
-                           "runs": count}
-                          for (kind, ever, status, alerts), count in sorted(endings.items())]}
-    if options.report:
-        options.report.write_text(json.dumps(report, indent=1))
-    print("\n".join(faults[:40]))
-    print(f"{runs} runs, {len(faults)} faults found; calls that could fail: {counted}")
-    for (kind, ever, status, alerts), count in sorted(endings.items()):
-        print(f"{kind:7} {'for ever' if ever else 'once':8} status {status} alerts {alerts}: {count}")
-    sys.exit(1 if faults or runs == 0 else 0)
+        counts, wrong = run_all(options, scratch)
+    report.add("failing calls", counts)
+    print("\n".join([*wrong[:40], *report.lines_of(counts)]))
+    sys.exit(1 if wrong or not counts["runs"] else 0)
 
 
-main()
+if __name__ == "__main__":
+    main()

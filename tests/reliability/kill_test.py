@@ -1,12 +1,10 @@
 #!/usr/bin/env python3
 """Kills and stops the real program while it packs a small library: with SIGKILL at file operations
 and at random times, with SIGINT at file operations. Then the package is absent or whole, a stopped
-run has left nothing, and the next run succeeds and removes what a killed one left. Prints what it
-counted; --report writes that as JSON."""
+run has left nothing, and the next run succeeds and removes what a killed one left."""
 
 import argparse
 import collections
-import json
 import pathlib
 import random
 import subprocess
@@ -14,6 +12,7 @@ import sys
 import tempfile
 import time
 
+import report
 from trial import TIME_LIMIT, Trial
 
 STOPPED = 130
@@ -29,6 +28,7 @@ def points(count, wanted):
 
 
 def after_kill(trial, place, status, endings):
+    """What is wrong after a run that was killed, or ended before it could be."""
     endings["package whole" if (trial.output / trial.name).exists() else "package absent"] += 1
     if status == KILLED:
         # The working files of a killed run are the next run's to remove.
@@ -41,6 +41,7 @@ def after_kill(trial, place, status, endings):
 
 
 def kill_at_calls(trial, wanted, endings):
+    """Kills at file operations; gives what is wrong."""
     for at in points(trial.calls("kill"), wanted):
         done = trial.run("kill", at)
         yield from after_kill(trial, f"killed at call {at}", done.returncode, endings)
@@ -49,6 +50,7 @@ def kill_at_calls(trial, wanted, endings):
 
 
 def kill_at_times(trial, wanted, seed, endings):
+    """Kills at random times beside an earlier package; gives what is wrong."""
     began = time.monotonic()
     trial.run(jobs=2)
     length = time.monotonic() - began
@@ -66,6 +68,7 @@ def kill_at_times(trial, wanted, seed, endings):
 
 
 def stop_at_calls(trial, wanted, endings):
+    """Asks to stop at file operations; gives what is wrong."""
     for at in points(trial.calls("stop"), wanted):
         done = trial.run("stop", at)
         endings[f"stopped: status {done.returncode}"] += 1
@@ -82,7 +85,6 @@ def main():
     parser.add_argument("library", type=pathlib.Path, help="the input folder")
     parser.add_argument("--count", type=int, default=150, help="of each of the three kinds")
     parser.add_argument("--seed", type=int, default=1)
-    parser.add_argument("--report", type=pathlib.Path)
     options = parser.parse_args()
     endings = collections.Counter()
     with tempfile.TemporaryDirectory(prefix="kills-") as scratch:
@@ -91,13 +93,12 @@ def main():
                   *kill_at_times(trial, options.count, options.seed, endings)]
         kills = endings.total()
         faults += stop_at_calls(trial, options.count, endings)
-    report = {"kills": kills, "stops": endings.total() - kills, "seed": options.seed,
-              "faults_found": len(faults), "endings": dict(sorted(endings.items()))}
-    if options.report:
-        options.report.write_text(json.dumps(report, indent=1))
-    print("\n".join(faults[:40]))
-    print(json.dumps(report))
+    counts = {"kills": kills, "stops": endings.total() - kills, "seed": options.seed,
+              "faults_found": len(faults), "endings": dict(endings)}
+    report.add("kills", counts)
+    print("\n".join([*faults[:40], *report.lines_of(counts)]))
     sys.exit(1 if faults or not kills else 0)
 
 
-main()
+if __name__ == "__main__":
+    main()

@@ -1,43 +1,22 @@
 #!/usr/bin/env python3
 """Breaks one thing of the program at a time, in a copy of its tree, and looks whether a test fails:
-mutation_check.py COPY. The copy is built once and then changed and built again for each entry of the
-table. A change that no test notices is a fault of the tests."""
+mutation_check.py COPY. The copy is built once and then changed and built again for each entry of
+mutations.py. A change that no test notices is a fault of the tests."""
 
 import argparse
-import json
+import collections
 import pathlib
 import shutil
 import subprocess
 import sys
 
-ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
-CORE = "Parts/TolbrookPackage/Core/"
-STORE = ("package_tests", "crash_simulation")
-# File, what stands there, what is put in its place, programs of which one must fail.
-MUTATIONS = [
-    (CORE + "CRC16.cpp", "kPolynomial = 0x1021", "kPolynomial = 0x1023", ("core_tests",)),
-    (CORE + "FormatVersion.cpp", "<=", "<", ("core_tests", "package_tests")),
-    ("package/BlockFile.cpp", "!= NSTolbrook::CRC16(all.first(kSlotCheckedSize))",
-     "== 0 && check != 0", STORE),
-    ("package/BlockStore.cpp", "slots[1]->fGeneration > slots[0]->fGeneration",
-     "slots[1]->fGeneration < slots[0]->fGeneration", STORE),
-    ("package/BlockStore.cpp", "fSlot = 1 - fSlot", "fSlot = fSlot", STORE),
-    ("package/BlockStore.cpp", "if (previous) state.fPrevious", "if (!current) state.fPrevious",
-     STORE),
-    ("package/BlockDirectory.cpp", ">=", ">", STORE),
-    ("package/PackageFormat.cpp", ">", ">=", ("package_tests",)),
-    ("package/PackageReader.cpp", ">", ">=", ("package_tests",)),
-    ("package/PackageIndex.cpp", "input.Remaining() < tail.size()",
-     "input.Remaining() + 1 < tail.size()", ("package_tests",)),
-    ("filetypes/dwop/DWOPFormat.h", "kDWOPInitialSum = 2560", "kDWOPInitialSum = 2561",
-     ("filetypes_tests",)),
-    ("filetypes/dwop/DWOPFormat.h", "kDWOPEscapeZeros = 7", "kDWOPEscapeZeros = 6",
-     ("filetypes_tests",)),
-    ("filetypes/dwop/DWOPFormat.h", "kDWOPEscapeLimit = std::uint32_t{1} << 30",
-     "kDWOPEscapeLimit = std::uint32_t{1} << 31", ("filetypes_tests",)),
-    ("filetypes/dwop/DWOPPredictor.h", ">> 7", ">> 6", ("filetypes_tests",)),
-    ("references/PathForms.cpp", "<", "<=", ("references_tests",)),
-]
+import report
+from mutations import MUTATIONS
+
+# What a test needs; the others are the programs of their folder.
+TARGETS = {"crash_simulation": ["crash_simulation"], "trace": ["tambra", "faulty_calls"],
+           "failing_calls": ["tambra", "faulty_calls"]}
+TIME_LIMIT = 900
 
 
 def run(*command, **options):
@@ -45,63 +24,75 @@ def run(*command, **options):
                           **options)
 
 
-def build(tree, programs):
-    done = run("cmake", "--build", tree / "build/check", "--target", *programs)
-    return done.returncode == 0, done.stdout[-2000:] + done.stderr[-2000:]
+class Copy:
+    """A copy of the tree, built without optimising: what changes is built soon."""
+
+    def __init__(self, folder):
+        self.tree, self.build_folder = folder / "tree", folder / "build"
+        shutil.rmtree(self.tree, ignore_errors=True)
+        done = run("git", "clone", "-q", report.ROOT, self.tree)
+        if done.returncode == 0:
+            done = run("cmake", "--preset", "debug", "-B", self.build_folder, "-DTAMBRA_WERROR=OFF",
+                       "-DCMAKE_CXX_COMPILER=clang++", "-DCMAKE_CXX_FLAGS_DEBUG=-O1",
+                       cwd=self.tree)
+        if done.returncode != 0:
+            raise SystemExit(f"the copy cannot be made: {done.stdout}{done.stderr}")
+
+    def build(self, tests):
+        """Whether the programs of these tests could be built, and what the compiler said."""
+        targets = {target for test in tests for target in TARGETS.get(test, [f"{test}_tests"])}
+        done = run("cmake", "--build", self.build_folder, "--target", *sorted(targets))
+        return done.returncode == 0, done.stdout[-3000:] + done.stderr[-3000:]
+
+    def passes(self, tests):
+        """Whether all these tests pass."""
+        pattern = f"^({'|'.join(tests)})$"
+        done = run("ctest", "--test-dir", self.build_folder, "-R", pattern, "--no-tests=error",
+                   "--stop-on-failure", "--timeout", TIME_LIMIT)
+        return done.returncode == 0
+
+    def try_mutation(self, path, old, new, tests):
+        """What became of one change: "noticed", "not noticed", "does not build", "is not there"."""
+        file = self.tree / path
+        text = file.read_text(encoding="utf-8")
+        if text.count(old) != 1:
+            return "is not there"
+        file.write_text(text.replace(old, new), encoding="utf-8")
+        try:
+            built, told = self.build(tests)
+            if not built:
+                print(told, file=sys.stderr)
+                return "does not build"
+            return "not noticed" if self.passes(tests) else "noticed"
+        finally:
+            file.write_text(text, encoding="utf-8")
 
 
-def notices(tree, program):
-    arguments = ["20000"] if program == "crash_simulation" else ["--gtest_brief=1"]
-    try:
-        return run(tree / "build/check/bin" / program, *arguments, timeout=600).returncode != 0
-    except subprocess.TimeoutExpired:
-        return True
-
-
-def try_mutation(tree, path, old, new, programs):
-    """What became of one change: "noticed", "not noticed", "does not build" or "is not there"."""
-    file = tree / path
-    text = file.read_text(encoding="utf-8")
-    body = text.find("namespace {") if text.count(old) > 1 else 0
-    place = text.find(old, max(body, 0))
-    if place < 0:
-        return "is not there"
-    file.write_text(text[:place] + new + text[place + len(old):], encoding="utf-8")
-    try:
-        built, told = build(tree, programs)
-        if not built:
-            print(told, file=sys.stderr)
-            return "does not build"
-        return "noticed" if any(notices(tree, program) for program in programs) else "not noticed"
-    finally:
-        file.write_text(text, encoding="utf-8")
+def check(copy, mutations):
+    """The outcome of each mutation."""
+    tests = sorted({test for *_, tests in mutations for test in tests})
+    built, told = copy.build(tests)
+    if not built or not copy.passes(tests):
+        raise SystemExit(f"the tests must pass before anything is broken: {told}")
+    for kind, path, old, new, tests in mutations:
+        outcome = copy.try_mutation(path, old, new, tests)
+        print(f"{outcome:14} {kind:12} {path}: {old.strip()!r} -> {new.strip()!r}", flush=True)
+        yield kind, outcome
 
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("copy", type=pathlib.Path, help="a folder to make the copy in")
-    parser.add_argument("--report", type=pathlib.Path)
+    parser.add_argument("--kinds", nargs="+", default=sorted({kind for kind, *_ in MUTATIONS}))
     options = parser.parse_args()
-    tree = options.copy.resolve() / "tree"
-    shutil.rmtree(tree, ignore_errors=True)
-    done = run("git", "clone", "-q", ROOT, tree)
-    if done.returncode != 0 or run("cmake", "--preset", "check", cwd=tree).returncode != 0:
-        raise SystemExit(done.stderr or "the copy cannot be configured")
-    programs = sorted({program for *_, tests in MUTATIONS for program in tests})
-    built, told = build(tree, programs)
-    if not built or any(notices(tree, program) for program in programs):
-        raise SystemExit(f"the tests must pass before anything is broken: {told}")
-    results = []
-    for path, old, new, tests in MUTATIONS:
-        outcome = try_mutation(tree, path, old, new, tests)
-        results.append({"file": path, "from": old, "to": new, "outcome": outcome})
-        print(f"{outcome:14} {path}: {old} -> {new}", flush=True)
-    missed = [result for result in results if result["outcome"] != "noticed"]
-    if options.report:
-        options.report.write_text(json.dumps({"mutations": len(results),
-                                              "noticed": len(results) - len(missed),
-                                              "results": results}, indent=1))
-    sys.exit(1 if missed else 0)
+    chosen = [mutation for mutation in MUTATIONS if mutation[0] in options.kinds]
+    outcomes = list(check(Copy(options.copy.resolve()), chosen))
+    counts = {"mutations": len(outcomes), "kinds": dict(collections.Counter(k for k, _ in outcomes)),
+              "outcomes": dict(collections.Counter(outcome for _, outcome in outcomes))}
+    report.add("mutations", counts)
+    print("\n".join(report.lines_of(counts)))
+    sys.exit(0 if outcomes and set(counts["outcomes"]) == {"noticed"} else 1)
 
 
-main()
+if __name__ == "__main__":
+    main()

@@ -10,11 +10,13 @@ TIME_LIMIT = 60
 
 
 def snapshot(folder):
+    """The bytes of every file below a folder, by relative path."""
     return {str(path.relative_to(folder)): path.read_bytes()
             for path in sorted(folder.rglob("*")) if path.is_file()} if folder.exists() else {}
 
 
 def events_of(done):
+    """The JSON events that a run printed."""
     events = []
     for line in done.stdout.decode(errors="replace").splitlines():
         try:
@@ -25,7 +27,9 @@ def events_of(done):
 
 
 def alerts_of(done):
-    return [event["number"] for event in events_of(done) if event.get("event") == "alert"]
+    """The alerts that a run showed, as table:number."""
+    return [f"{event['table']}:{event['number']}" for event in events_of(done)
+            if event.get("event") == "alert"]
 
 
 class Trial:
@@ -34,6 +38,7 @@ class Trial:
     def __init__(self, base, program, faults, library):
         self.base, self.program, self.faults = pathlib.Path(base), program, faults
         self.input, self.output = self.base / "in", self.base / "out"
+        self.trace_file = self.base.parent / "trace"
         self.base.mkdir()
         shutil.copytree(library, self.input)
         self.original = snapshot(self.input)
@@ -45,20 +50,22 @@ class Trial:
         self.name, self.bytes = packages[0].name, packages[0].read_bytes()
 
     def start(self, kind="", at=0, ever=False, jobs=1):
+        """Begins a run that packs, with `kind` of fault at that call."""
         environment = {**os.environ, "FAULT_FOLDER": str(self.base), "FAULT_KIND": kind,
                        "FAULT_AT": str(at), "FAULT_EVER": "1" if ever else "0",
                        "FAULT_COUNT": str(self.base / "count") if at == 0 else "",
+                       "FAULT_TRACE": str(self.trace_file) if kind == "trace" else "",
                        "LD_PRELOAD": str(self.faults) if kind else ""}
         command = [self.program, "pack", self.input, self.output, "--json", "--replace", "--jobs",
                    jobs]
         return subprocess.Popen(list(map(str, command)), env=environment, stdout=subprocess.PIPE,
                                 stderr=subprocess.PIPE)
 
-    def run(self, *fault, jobs=1, keep=False):
+    def run(self, kind="", at=0, ever=False, jobs=1, keep=False):
         """Packs into an empty folder, or with `keep` beside what is there."""
         if not keep:
             shutil.rmtree(self.output, ignore_errors=True)
-        process = self.start(*fault, jobs=jobs)
+        process = self.start(kind, at, ever, jobs)
         output, error = process.communicate(timeout=TIME_LIMIT)
         return subprocess.CompletedProcess(process.args, process.returncode, output, error)
 
@@ -70,6 +77,14 @@ class Trial:
             raise SystemExit(f"{kind}: a run without faults ended with {done.returncode}, "
                              f"{count} calls counted: {done.stderr.decode()}")
         return count
+
+    def trace(self, jobs):
+        """The file operations of a run, a line each."""
+        self.trace_file.unlink(missing_ok=True)
+        done = self.run("trace", jobs=jobs)
+        if done.returncode != self.status:
+            raise SystemExit(f"trace: ended with {done.returncode}: {done.stderr.decode()}")
+        return self.trace_file.read_text(encoding="utf-8").splitlines()
 
     def faults_of_files(self, expected):
         """What is wrong with the folders after a run, which has to have made the package when it
