@@ -15,7 +15,6 @@ namespace NSTambraCli {
 
 namespace {
 
-constexpr char16_t kReplacement = 0xFFFD;
 constexpr std::u16string_view kCut = u"…";
 
 [[noreturn]] void ThrowWriteFault() {
@@ -49,11 +48,6 @@ const char* ColourCode(EColour colour) {
       return "33";
   }
   return "0";
-}
-
-bool IsControl(char16_t unit) {
-  return unit < 0x20 || (unit >= 0x7F && unit < 0xA0) || unit == 0x061C || unit == 0x200E ||
-         unit == 0x200F || (unit >= 0x2028 && unit <= 0x202E) || (unit >= 0x2066 && unit <= 0x2069);
 }
 
 void WriteLine(std::FILE* stream, std::string_view line) {
@@ -109,22 +103,6 @@ void CConsole::Warn(std::string_view line) const {
   // What cannot be told on standard error cannot be told at all: nothing else is left to tell it.
   std::fwrite(line.data(), 1, line.size(), stderr);
   std::fputc('\n', stderr);
-}
-
-std::string Printable(std::u16string_view text) {
-  std::u16string shown(text);
-  std::replace_if(shown.begin(), shown.end(), IsControl, kReplacement);
-  return NSTolbrook::Utf8FromText(shown);
-}
-
-std::vector<std::string> PrintableLines(std::u16string_view text) {
-  std::vector<std::string> lines;
-  while (true) {
-    const std::size_t end = text.find_first_of(u"\r\n");
-    lines.push_back(Printable(text.substr(0, end)));
-    if (end == std::u16string_view::npos) return lines;
-    text.remove_prefix(end + (text.substr(end, 2) == u"\r\n" ? 2 : 1));
-  }
 }
 
 std::size_t DisplayWidth(std::u16string_view text) {

@@ -7,6 +7,7 @@
 
 #include "Parts/TolbrookPackage/Core/Exception.h"
 
+#include "app/PrintableText.h"
 #include "cli/Json.h"
 
 namespace NSTambraCli {
@@ -48,12 +49,8 @@ class CConsole {
   bool fHasColours;
 };
 
-/// UTF-8 of `text` with U+FFFD for every control character, line ends included, and for those that
-/// turn the direction of what follows.
-std::string Printable(std::u16string_view text);
-
-/// The lines of `text` as Printable shows them, without their line ends; at least one.
-std::vector<std::string> PrintableLines(std::u16string_view text);
+using NSTambraPacking::Printable;
+using NSTambraPacking::PrintableLines;
 
 /// Columns that `text` takes on a terminal: 2 for wide East Asian characters, 0 for combining ones.
 std::size_t DisplayWidth(std::u16string_view text);

@@ -2,18 +2,13 @@
 
 #include <string>
 
-#include "package/PackageReader.h"
+#include "app/OpenedPackage.h"
 
 namespace NSTambraCli {
 
-/// A package that is named on the command line.
-struct CPackageFile {
-  NSBigFilePackage::SharedMedia fMedia;
-  NSTambraPacking::CPackageReader fReader;
-};
+using CPackageFile = NSTambraPacking::COpenedPackage;
 
-/// Opens a package and reads its header. Throws as CStdioMedia::OpenForReading and CPackageReader;
-/// the message of an XFormatViolation begins with the words that the file is no package.
+/// Opens a package that is named on the command line; throws as OpenPackageFile.
 CPackageFile OpenPackage(const std::string& argument);
 
 }  // namespace NSTambraCli

@@ -1,5 +1,6 @@
 #include "codecs/JpegReader.h"
 
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -18,8 +19,9 @@ constexpr std::size_t kBufferSize = 16384;  // bytes
 /// One decoding. The steps are run by the guard and own nothing themselves.
 class CDecoding {
  public:
-  CDecoding(const SharedMedia& picture, bool keepsPixels)
-      : fMedia(*picture), fKeepsPixels(keepsPixels), fBuffer(kBufferSize) {
+  /// Keeps the pixels when there is room for them, else none.
+  CDecoding(const SharedMedia& picture, std::optional<std::uint64_t> room)
+      : fMedia(*picture), fKeepsPixels(room), fRoom(room.value_or(0)), fBuffer(kBufferSize) {
     fLibrary.err = fGuard.Manager();
     fLibrary.client_data = &fGuard;
     fSource.fOwner = this;
@@ -66,7 +68,7 @@ class CDecoding {
                                        " pixels in a file of " + std::to_string(fMedia.Size()) +
                                        " bytes");
     }
-    if (fKeepsPixels && pixels * 3 > CJpegReader::kMemoryLimit) {
+    if (fKeepsPixels && pixels * 3 > fRoom) {
       throw NSMordel::XUnsupportedFormat("JPEG picture: too large to be shown");
     }
   }
@@ -138,6 +140,7 @@ class CDecoding {
 
   const NSBigFilePackage::IMedia& fMedia;
   bool fKeepsPixels;
+  std::uint64_t fRoom;  ///< bytes of pixels, at most
   CJpegGuard fGuard;
   jpeg_decompress_struct fLibrary{};
   CSource fSource{};
@@ -153,11 +156,11 @@ class CDecoding {
 }  // namespace
 
 CPictureSize CJpegReader::ReadPictureSize(const SharedMedia& picture) const {
-  return CDecoding(picture, false).Run().fSize;
+  return CDecoding(picture, std::nullopt).Run().fSize;
 }
 
-CPixels CJpegReader::ReadPixels(const SharedMedia& picture) const {
-  return CDecoding(picture, true).Run();
+CPixels CJpegReader::ReadPixels(const SharedMedia& picture, std::uint64_t mostBytes) const {
+  return CDecoding(picture, mostBytes).Run();
 }
 
 }  // namespace NSTambraPacking

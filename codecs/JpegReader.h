@@ -32,8 +32,10 @@ class CJpegReader : public IPictureReader {
   /// Decodes every line. Throws XFormatViolation, XUnsupportedFormat, and as the media.
   CPictureSize ReadPictureSize(const NSBigFilePackage::SharedMedia& picture) const override;
 
-  /// As ReadPictureSize; XUnsupportedFormat also for what has no colours in RGB terms (CMYK).
-  CPixels ReadPixels(const NSBigFilePackage::SharedMedia& picture) const;
+  /// As ReadPictureSize; XUnsupportedFormat also for what has no colours in RGB terms (CMYK), and,
+  /// before a line is decoded, for more pixels than `mostBytes` hold.
+  CPixels ReadPixels(const NSBigFilePackage::SharedMedia& picture,
+                     std::uint64_t mostBytes = kMemoryLimit) const;
 };
 
 }  // namespace NSTambraPacking

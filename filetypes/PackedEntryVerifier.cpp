@@ -2,10 +2,8 @@
 
 #include <utility>
 
-#include "Parts/TolbrookPackage/Core/Exception.h"
-#include "Parts/TolbrookPackage/Core/Text.h"
-
 #include "filetypes/FileTypeRegistry.h"
+#include "package/PackageTree.h"
 #include "references/StandardReferenceResolver.h"
 
 namespace NSTambraPacking {
@@ -18,16 +16,7 @@ CPackedEntryVerifier::CPackedEntryVerifier(std::u16string packageName,
       fStopRequested(std::move(stopRequested)) {}
 
 void CPackedEntryVerifier::TakeEntries(const std::vector<std::shared_ptr<CPackageEntry>>& entries) {
-  for (const auto& entry : entries) {
-    try {
-      fTree.AddFile(entry->Path(), entry->IsContainer());
-    } catch (const NSMordel::XAlreadyExists&) {
-      throw NSMordel::XFormatViolation(
-          "the package holds two entries with one name, or a file with the name of a folder",
-          {{NSMordel::kTargetObjectType, "file"},
-           {NSMordel::kTargetObjectId, NSTolbrook::Utf8FromText(entry->Path())}});
-    }
-  }
+  AddEntries(entries, fTree);
 }
 
 std::vector<std::u16string> CPackedEntryVerifier::Verify(const CPackageEntry& entry,

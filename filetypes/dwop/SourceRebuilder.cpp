@@ -29,6 +29,12 @@ using NSBigFilePackage::SharedMedia;
 constexpr std::uint64_t kOuterSizeField = 4;
 constexpr std::uint64_t kGreatestSize = std::numeric_limits<std::uint32_t>::max();
 
+/// True when the samples of a stream fit in where they were taken out.
+bool Describes(const CAudioLayout& layout, const CDWOPHeader& header) {
+  return layout.fLength == 0 && layout.fChannels == header.fChannels &&
+         layout.fForm.StreamWidth() == header.fWidth;
+}
+
 /// One stream on its way back into a file.
 class CSourceRebuilder {
  public:
@@ -59,7 +65,7 @@ class CSourceRebuilder {
     const auto frame = std::make_shared<NSBigFilePackage::CPartialMedia>(fStream, block.fDataStart,
                                                                          block.fDataLength);
     const std::optional<CAudioLayout> layout = FindAudioLayout(frame);
-    if (!layout || !Describes(*layout)) {
+    if (!layout || !Describes(*layout, fHeader)) {
       RebuildPlain();
       return {false, "its extra information is not that of a WAVE or AIFF file with its samples"};
     }
@@ -69,12 +75,6 @@ class CSourceRebuilder {
     }
     if (layout->fOffset != 0) return {false, "its samples did not begin their chunk"};
     return {};
-  }
-
-  /// True when the samples fit in where they were taken out.
-  bool Describes(const CAudioLayout& layout) const {
-    return layout.fLength == 0 && layout.fChannels == fHeader.fChannels &&
-           layout.fForm.StreamWidth() == fHeader.fWidth;
   }
 
   void RebuildAround(const IMedia& frame, const CAudioLayout& layout) {
@@ -165,6 +165,22 @@ class CSourceRebuilder {
 CRebuildReport RebuildSource(const SharedMedia& stream, IMedia& output,
                              const std::function<void()>& checkStop) {
   return CSourceRebuilder(stream, output, checkStop).Rebuild();
+}
+
+std::uint64_t RebuiltSize(const SharedMedia& stream) {
+  CMediaCursor input(*stream);
+  const CDWOPHeader header = ReadDWOPHeader(input);
+  const auto withPad = [](std::uint64_t bytes) { return bytes + (bytes & 1); };
+  const std::optional<CExtraInfoBlock> block = FindExtraInfoAtEnd(*stream);
+  if (block && block->fStart >= input.Position()) {
+    const auto frame = std::make_shared<NSBigFilePackage::CPartialMedia>(stream, block->fDataStart,
+                                                                         block->fDataLength);
+    const std::optional<CAudioLayout> layout = FindAudioLayout(frame);
+    if (layout && Describes(*layout, header)) {
+      return block->fDataLength + withPad(header.fLength * layout->FrameLength());
+    }
+  }
+  return kPlainWAVEHeadLength + withPad(PlainSampleBytes(header));
 }
 
 }  // namespace NSTambraPacking

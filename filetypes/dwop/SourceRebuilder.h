@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <string>
 
@@ -25,5 +26,10 @@ struct CRebuildReport {
 CRebuildReport RebuildSource(const NSBigFilePackage::SharedMedia& stream,
                              NSBigFilePackage::IMedia& output,
                              const std::function<void()>& checkStop);
+
+/// The length in bytes of the file that RebuildSource would write, judged by the stream's header
+/// and extra info alone: no sample is decoded. Throws XFormatViolation and the version exceptions
+/// for a header that cannot be read, and as Read of the media.
+std::uint64_t RebuiltSize(const NSBigFilePackage::SharedMedia& stream);
 
 }  // namespace NSTambraPacking

@@ -33,7 +33,8 @@ std::string MessageOf(const std::function<void()>& action) {
 TEST(TextResources, EveryNamedNumberHasItsText) {
   const CTextResources mac({}, EPlatform::kMac);
   const CTextResources win({}, EPlatform::kWin);
-  std::istringstream header(SourceText("app/TextNumbers.h"));
+  std::istringstream header(SourceText("app/TextNumbers.h") +
+                            SourceText("app/PackageTextNumbers.h"));
   int strings = 0;
   int alerts = 0;
   for (std::string line; std::getline(header, line);) {

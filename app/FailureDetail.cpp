@@ -1,0 +1,62 @@
+#include "app/FailureDetail.h"
+
+#include <algorithm>
+#include <new>
+
+#include "Parts/TolbrookPackage/Core/Text.h"
+
+#include "app/ExceptionAlerts.h"
+#include "app/PrintableText.h"
+
+namespace NSTambraPacking {
+
+namespace {
+
+CFailureDetail OwnDetail(const std::exception_ptr& failure) {
+  try {
+    std::rethrow_exception(failure);
+  } catch (const std::bad_alloc&) {
+    return {};  // the alert of its kind says it all
+  } catch (const NSMordel::CExceptionBodyMixin& e) {
+    return {e.Message(), e.Context()};
+  } catch (const std::exception& e) {
+    return {e.what(), {}};
+  } catch (...) {
+    return {};
+  }
+}
+
+}  // namespace
+
+std::u16string CFailureDetail::Line(const CTextResources& texts) const {
+  std::u16string object;
+  for (const auto& [key, value] : fContext) {
+    if (key == NSMordel::kTargetObjectId) object = NSTolbrook::TextFromUtf8(value);
+  }
+  const std::u16string message = NSTolbrook::TextFromUtf8(fMessage);
+  return object.empty() ? message : texts.Text(kFailureDetail, {object, message});
+}
+
+CFailureDetail DetailOfFailure(const std::exception_ptr& failure, const std::string& subject) {
+  CFailureDetail detail = OwnDetail(failure);
+  const bool isNamed =
+      std::any_of(detail.fContext.begin(), detail.fContext.end(),
+                  [](const auto& value) { return value.first == NSMordel::kTargetObjectId; });
+  if (!isNamed && !subject.empty()) {
+    detail.fContext.emplace_back(NSMordel::kTargetObjectId, subject);
+  }
+  return detail;
+}
+
+CAlertText AlertOfFailure(const CTextResources& texts, const std::exception_ptr& failure,
+                          const std::string& subject) {
+  const CAlertChoice choice =
+      ChooseAlert(failure, ESituation::kGeneral, {}).value_or(CAlertChoice{kAlertUnknownError, {}});
+  CAlertText alert = texts.Alert(choice.fNumber, choice.fArguments);
+  const CFailureDetail detail = DetailOfFailure(failure, subject);
+  if (!detail.fMessage.empty()) alert.fMessage = detail.Line(texts);
+  alert.fMessage = PrintableText(alert.fMessage);
+  return alert;
+}
+
+}  // namespace NSTambraPacking

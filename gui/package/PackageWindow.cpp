@@ -1,0 +1,487 @@
+#include "gui/package/PackageWindow.h"
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QMessageBox>
+#include <QSettings>
+#include <QShortcut>
+#include <QStatusBar>
+#include <QVBoxLayout>
+
+#include "Parts/TolbrookPackage/Core/Exception.h"
+
+#include "app/ExtractedSize.h"
+#include "app/FailureDetail.h"
+#include "app/PackageTextNumbers.h"
+#include "app/PrintableText.h"
+#include "gui/QtText.h"
+
+namespace NSTambraGui {
+
+namespace {
+
+using namespace NSTambraPacking;
+
+enum EPage { kOpeningPage, kPackagePage, kFaultPage };
+
+constexpr int kProgressEnd = 1000;
+constexpr CPackageContents::Node kSizesAtOnce = 1000;
+
+QMessageBox::Icon IconOf(EAlertKind kind) {
+  switch (kind) {
+    case EAlertKind::kStop:
+      return QMessageBox::Critical;
+    case EAlertKind::kNote:
+      return QMessageBox::Information;
+    case EAlertKind::kWarn:
+      return QMessageBox::Warning;
+    case EAlertKind::kNone:
+      break;
+  }
+  return QMessageBox::NoIcon;
+}
+
+int ShowAlertBox(QWidget* parent, const CAlertText& alert) {
+  QMessageBox box(parent);
+  box.setIcon(IconOf(alert.fKind));
+  box.setTextFormat(Qt::PlainText);
+  box.setWindowTitle(alert.fTitle.empty() ? parent->windowTitle() : ToQt(alert.fTitle));
+  box.setText(ToQt(alert.fMessage));
+  QList<QAbstractButton*> buttons;
+  for (const std::u16string& label : alert.fButtons) {
+    buttons.append(box.addButton(ToQt(label), QMessageBox::AcceptRole));
+  }
+  // The first one listed is the careful one.
+  box.setEscapeButton(buttons.front());
+  box.setDefaultButton(qobject_cast<QPushButton*>(buttons.front()));
+  box.exec();
+  const qsizetype pressed = buttons.indexOf(box.clickedButton());
+  return alert.Answer(static_cast<std::size_t>(std::max<qsizetype>(pressed, 0)));
+}
+
+template <class Kind>
+bool IsA(const std::exception_ptr& failure) {
+  try {
+    std::rethrow_exception(failure);
+  } catch (const Kind&) {
+    return true;
+  } catch (...) {
+    return false;
+  }
+}
+
+}  // namespace
+
+CPackageDialogs CPackageDialogs::OfTheDesktop() {
+  return {[](QWidget* parent, const QString& title) {
+            return QFileDialog::getExistingDirectory(parent, title);
+          },
+          [](QWidget* parent, const QString& title, const QString& filter) {
+            return QFileDialog::getOpenFileName(parent, title, {}, filter);
+          },
+          ShowAlertBox};
+}
+
+CPackageWindow::CPackageWindow(const CTextResources& texts, CPackageDialogs dialogs)
+    : fTexts(texts),
+      fDialogs(std::move(dialogs)),
+      fModel(new CPackageModel(fTexts, this)),
+      fOpening(nullptr),
+      fJob(nullptr) {
+  BuildPages();
+  BuildStatus();
+  AddShortcuts();
+  RestoreState();
+}
+
+QString CPackageWindow::Text(CStringNumber number) const { return ToQt(fTexts.Text(number)); }
+
+void CPackageWindow::BuildPages() {
+  fPages = new QStackedWidget(this);
+  fOpeningLabel = new QLabel(fPages);
+  fOpeningLabel->setTextFormat(Qt::PlainText);
+  fOpeningLabel->setAlignment(Qt::AlignCenter);
+  auto* const package = new QWidget(fPages);
+  auto* const layout = new QVBoxLayout(package);
+  layout->addWidget(BuildBar());
+  layout->addWidget(BuildPanes(), 1);
+  fPages->insertWidget(kOpeningPage, fOpeningLabel);
+  fPages->insertWidget(kPackagePage, package);
+  fPages->insertWidget(kFaultPage, BuildFaultPage());
+  setCentralWidget(fPages);
+}
+
+QWidget* CPackageWindow::BuildBar() {
+  auto* const bar = new QWidget(this);
+  fFilter = new QLineEdit(bar);
+  fFilter->setPlaceholderText(Text(kPackageFilter));
+  fFilter->setAccessibleName(Text(kPackageFilter));
+  fFilter->setClearButtonEnabled(true);
+  fTypes = new QComboBox(bar);
+  fTypes->setAccessibleName(Text(kFilterByType));
+  fTypes->setToolTip(Text(kFilterByType));
+  fTypes->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+  const auto button = [&](CStringNumber label, CStringNumber hint) {
+    auto* const made = new QPushButton(Text(label), bar);
+    made->setToolTip(Text(hint));
+    made->setAccessibleDescription(Text(hint));
+    return made;
+  };
+  fExtract = button(kExtractAllCommand, kExtractHint);
+  fVerify = button(kVerifyCommand, kVerifyHint);
+  fCompare = button(kCompareCommand, kCompareHint);
+  auto* const layout = new QHBoxLayout(bar);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->addWidget(fFilter, 1);
+  layout->addWidget(fTypes);
+  layout->addSpacing(16);
+  for (QPushButton* const command : {fExtract, fVerify, fCompare}) layout->addWidget(command);
+  connect(fFilter, &QLineEdit::textChanged, this, &CPackageWindow::ApplyFilter);
+  connect(fFilter, &QLineEdit::returnPressed, this, [this] { fTree->setFocus(); });
+  connect(fTypes, &QComboBox::currentIndexChanged, this, &CPackageWindow::ApplyFilter);
+  connect(fExtract, &QPushButton::clicked, this, &CPackageWindow::Extract);
+  connect(fVerify, &QPushButton::clicked, this, &CPackageWindow::Verify);
+  connect(fCompare, &QPushButton::clicked, this, &CPackageWindow::Compare);
+  return bar;
+}
+
+QWidget* CPackageWindow::BuildPanes() {
+  BuildTree();
+  fDetails = new CDetailsPane(fTexts, this);
+  fResults = new CResultPane(fTexts, this);
+  fColumns = new QSplitter(Qt::Horizontal, this);
+  fColumns->setChildrenCollapsible(false);
+  fColumns->addWidget(fTree);
+  fColumns->addWidget(fDetails);
+  fColumns->setStretchFactor(0, 3);
+  fColumns->setStretchFactor(1, 2);
+  auto* const rows = new QSplitter(Qt::Vertical, this);
+  rows->setChildrenCollapsible(false);
+  rows->addWidget(fColumns);
+  rows->addWidget(fResults);
+  rows->setStretchFactor(0, 3);
+  rows->setStretchFactor(1, 1);
+  connect(fDetails, &CDetailsPane::Followed, this, &CPackageWindow::GoTo);
+  connect(fResults, &CResultPane::Followed, this, &CPackageWindow::GoTo);
+  return rows;
+}
+
+void CPackageWindow::BuildTree() {
+  fTree = new QTreeView(this);
+  fTree->setAccessibleName(Text(kEntriesOfPackage));
+  fTree->setUniformRowHeights(true);
+  fTree->setAlternatingRowColors(true);
+  fTree->setSelectionMode(QAbstractItemView::ExtendedSelection);
+  fTree->setTextElideMode(Qt::ElideMiddle);
+  fTree->setModel(fModel);
+  fTree->setSortingEnabled(true);
+  fTree->sortByColumn(CPackageModel::kName, Qt::AscendingOrder);
+  QHeaderView* const header = fTree->header();
+  header->setStretchLastSection(false);
+  header->setSectionResizeMode(CPackageModel::kName, QHeaderView::Stretch);
+  const int unit = fontMetrics().averageCharWidth();
+  header->resizeSection(CPackageModel::kType, 20 * unit);
+  header->resizeSection(CPackageModel::kSize, 12 * unit);
+  header->resizeSection(CPackageModel::kPacked, 12 * unit);
+  header->resizeSection(CPackageModel::kRatio, 9 * unit);
+  connect(fTree->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+          &CPackageWindow::ShowChosen);
+}
+
+QWidget* CPackageWindow::BuildFaultPage() {
+  auto* const page = new QWidget(this);
+  auto* const icon = new QLabel(page);
+  icon->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxCritical).pixmap(48, 48));
+  fFaultTitle = new QLabel(page);
+  QFont font = fFaultTitle->font();
+  font.setBold(true);
+  font.setPointSizeF(font.pointSizeF() * 1.25);
+  fFaultTitle->setFont(font);
+  fFaultText = new QLabel(page);
+  auto* const close = new QPushButton(ToQt(fTexts.Text(kCloseItem)), page);
+  connect(close, &QPushButton::clicked, this, &QWidget::close);
+  auto* const layout = new QVBoxLayout(page);
+  layout->addStretch();
+  for (QLabel* const label : {icon, fFaultTitle, fFaultText}) {
+    label->setTextFormat(Qt::PlainText);
+    label->setAlignment(Qt::AlignCenter);
+    label->setWordWrap(true);
+    layout->addWidget(label);
+  }
+  fFaultText->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+  layout->addSpacing(12);
+  layout->addWidget(close, 0, Qt::AlignCenter);
+  layout->addStretch();
+  return page;
+}
+
+void CPackageWindow::BuildStatus() {
+  fCounts = new QLabel(this);
+  fItem = new QLabel(this);
+  fItem->setTextFormat(Qt::PlainText);
+  fItem->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+  fProgress = new QProgressBar(this);
+  fProgress->setAccessibleName(Text(kProgressOfTask));
+  fProgress->setTextVisible(false);
+  fProgress->setMaximumWidth(200);
+  fStop = new QPushButton(Text(kStopCommand), this);
+  statusBar()->addWidget(fCounts);
+  statusBar()->addWidget(fItem, 1);
+  statusBar()->addPermanentWidget(fProgress);
+  statusBar()->addPermanentWidget(fStop);
+  fProgress->hide();
+  fStop->hide();
+  connect(fStop, &QPushButton::clicked, this, &CPackageWindow::StopJob);
+}
+
+void CPackageWindow::AddShortcuts() {
+  const auto add = [this](const QKeySequence& keys, auto&& action) {
+    auto* const shortcut = new QShortcut(keys, this);
+    connect(shortcut, &QShortcut::activated, this, action);
+  };
+  add(QKeySequence::Find, [this] {
+    fFilter->setFocus();
+    fFilter->selectAll();
+  });
+  add(QKeySequence::Close, [this] { close(); });
+  add(Qt::Key_Escape, [this] { Escape(); });
+}
+
+void CPackageWindow::Escape() {
+  if (fResults->isVisible()) {
+    fResults->hide();
+  } else if (!fFilter->text().isEmpty() || fTypes->currentIndex() > 0) {
+    fFilter->clear();
+    fTypes->setCurrentIndex(0);
+  }
+  fTree->setFocus();
+}
+
+void CPackageWindow::RestoreState() {
+  resize(1040, 680);
+  const QSettings settings;
+  restoreGeometry(settings.value("PackageWindow/geometry").toByteArray());
+  fColumns->restoreState(settings.value("PackageWindow/columns").toByteArray());
+}
+
+void CPackageWindow::closeEvent(QCloseEvent* event) {
+  QSettings settings;
+  settings.setValue("PackageWindow/geometry", saveGeometry());
+  settings.setValue("PackageWindow/columns", fColumns->saveState());
+  fOpening.Stop();
+  fJob.Stop();
+  QMainWindow::closeEvent(event);
+}
+
+void CPackageWindow::Open(const QString& path) {
+  fPath = path;
+  const std::u16string name = PrintableText(FromQt(QFileInfo(path).fileName()));
+  setWindowTitle(ToQt(fTexts.Text(kPackageTitle, {name})));
+  fOpeningLabel->setText(ToQt(fTexts.Text(kPackageOpening, {name})));
+  fPages->setCurrentIndex(kOpeningPage);
+  const auto work = [this, path](const CTaskLink& link) {
+    const auto listing = ListPackage(fTexts, PathFromQt(path), [&link] { link.CheckStop(); });
+    link.Post([this, listing] { ShowListing(listing); });
+    GatherSizes(link, listing);
+  };
+  fOpening.Start(work, [this](const std::exception_ptr& failure) {
+    if (failure != nullptr) ShowOpeningFault(failure);
+  });
+}
+
+void CPackageWindow::GatherSizes(const CTaskLink& link,
+                                 const std::shared_ptr<const CPackageListing>& listing) {
+  const Node count = listing->fContents->Tree().NodeCount();
+  for (Node first = 0; first < count; first += kSizesAtOnce) {
+    std::vector<std::optional<std::uint64_t>> sizes;
+    for (Node node = first; node < std::min(count, first + kSizesAtOnce); ++node) {
+      link.CheckStop();
+      sizes.push_back(listing->IsFolder(node) ? std::nullopt
+                                              : ExtractedSize(*listing->fContents->EntryAt(node)));
+    }
+    link.Post([this, first, sizes = std::move(sizes)] { fModel->SetSizes(first, sizes); });
+  }
+}
+
+void CPackageWindow::ShowListing(std::shared_ptr<const CPackageListing> listing) {
+  fListing = std::move(listing);
+  fModel->SetListing(fListing);
+  fTypes->clear();
+  fTypes->addItem(Text(kPackageAllTypes));
+  for (const auto& [code, name] : fListing->fTypeNames) fTypes->addItem(name, code);
+  fTree->expandToDepth(0);
+  fPages->setCurrentIndex(kPackagePage);
+  fTree->setFocus();
+  ShowChosen();
+}
+
+void CPackageWindow::ShowOpeningFault(const std::exception_ptr& failure) {
+  const CAlertText alert = AlertOfFailure(fTexts, failure, fPath.toStdString());
+  fFaultTitle->setText(ToQt(alert.fTitle));
+  fFaultText->setText(ToQt(alert.fMessage));
+  fPages->setCurrentIndex(kFaultPage);
+}
+
+void CPackageWindow::ApplyFilter() {
+  if (fListing == nullptr) return;
+  const Node current = fModel->NodeOf(fTree->currentIndex());
+  const QVariant type = fTypes->currentData();
+  fModel->SetFilter(fFilter->text(), type.isValid() ? std::optional(type.toInt()) : std::nullopt);
+  const bool isFiltered = !fFilter->text().isEmpty() || type.isValid();
+  if (isFiltered) {
+    fTree->expandAll();
+  } else {
+    fTree->expandToDepth(0);
+  }
+  const QModelIndex index = fModel->IndexOf(current);
+  fTree->setCurrentIndex(index);
+  if (index.isValid()) fTree->scrollTo(index);
+  ShowChosen();
+}
+
+std::vector<CPackageWindow::Node> CPackageWindow::ChosenNodes() const {
+  std::vector<Node> nodes;
+  for (const QModelIndex& index : fTree->selectionModel()->selectedRows()) {
+    nodes.push_back(fModel->NodeOf(index));
+  }
+  return nodes;
+}
+
+void CPackageWindow::ShowChosen() {
+  if (fListing == nullptr) return;
+  const std::vector<Node> nodes = ChosenNodes();
+  fDetails->Show(fListing, nodes.size() == 1 ? nodes.front() : CEntryTree::kRoot);
+  fExtract->setText(Text(nodes.empty() ? kExtractAllCommand : kExtractCommand));
+  ShowCounts();
+}
+
+void CPackageWindow::ShowCounts() {
+  const CPackageEntries& all = fListing->fContents->Entries();
+  const std::vector<Node> nodes = ChosenNodes();
+  const auto number = [](std::size_t count) { return FromQt(QLocale().toString(count)); };
+  const auto packed = [](const CPackageEntries& entries) {
+    std::uint64_t bytes = 0;
+    for (const auto& entry : entries) bytes += entry->Data()->Size();
+    return FromQt(SizeText(bytes));
+  };
+  if (!nodes.empty()) {
+    const CPackageEntries chosen = fListing->fContents->EntriesBelow(nodes);
+    fCounts->setText(ToQt(fTexts.Text(kPackageChosen, {number(chosen.size()), packed(chosen)})));
+  } else if (fModel->ShownFileCount() < all.size()) {
+    fCounts->setText(
+        ToQt(fTexts.Text(kPackageShown, {number(fModel->ShownFileCount()), number(all.size())})));
+  } else {
+    fCounts->setText(ToQt(fTexts.Text(kPackageCounts, {number(all.size()), packed(all)})));
+  }
+}
+
+void CPackageWindow::GoTo(const QString& path) {
+  const auto node = fListing->fContents->Tree().FindPath(SplitEntryPath(FromQt(path)));
+  if (!node) return;
+  if (!fModel->IndexOf(*node).isValid()) {
+    fFilter->clear();
+    fTypes->setCurrentIndex(0);
+  }
+  const QModelIndex index = fModel->IndexOf(*node);
+  fTree->setCurrentIndex(index);
+  fTree->scrollTo(index);
+  fTree->setFocus();
+}
+
+void CPackageWindow::Extract() {
+  const QString folder = fDialogs.fChooseFolder(this, Text(kChooseFolder));
+  if (folder.isEmpty()) return;
+  std::vector<Node> nodes = ChosenNodes();
+  if (nodes.empty()) nodes.push_back(CEntryTree::kRoot);
+  ExtractInto(folder, fListing->fContents->EntriesBelow(nodes),
+              CPackageExtractor::EExisting::kRefuse);
+}
+
+void CPackageWindow::ExtractInto(const QString& folder, CPackageEntries entries,
+                                 CPackageExtractor::EExisting existing) {
+  const bool mayReplace = existing == CPackageExtractor::EExisting::kReplace;
+  Run(
+      kExtracting,
+      [folder, entries, existing](const CJobContext& context) {
+        return ExtractEntries(context, entries, PathFromQt(folder), existing);
+      },
+      [this, folder, entries, mayReplace](const std::exception_ptr& failure) {
+        if (mayReplace || !IsA<NSMordel::XAlreadyExists>(failure)) return false;
+        const CAlertText alert = fTexts.Alert(kAlertReplaceFiles, {FromQt(folder)});
+        if (fDialogs.fShowAlert(this, alert) != kLastButton) return true;
+        ExtractInto(folder, entries, CPackageExtractor::EExisting::kReplace);
+        return true;
+      });
+}
+
+void CPackageWindow::Verify() {
+  Run(kVerifyingPackage, [](const CJobContext& context) { return VerifyPackage(context); });
+}
+
+void CPackageWindow::Compare() {
+  const QString other = fDialogs.fChooseFile(this, Text(kChoosePackage), Text(kPackageFiles));
+  if (other.isEmpty()) return;
+  const std::u16string first = FromQt(QFileInfo(fPath).fileName());
+  const std::u16string second = FromQt(QFileInfo(other).fileName());
+  Run(kComparingPackages, [=](const CJobContext& context) {
+    const QString found = ComparePackageWith(context, PathFromQt(other));
+    return ShownText(context.fTexts.Text(kComparedTitle, {first, second, FromQt(found)}));
+  });
+}
+
+void CPackageWindow::Run(CStringNumber title, Job job, Failed failed) {
+  fResults->Begin(Text(title));
+  fProgress->setRange(0, kProgressEnd);
+  fProgress->setValue(0);
+  fProgress->show();
+  fStop->show();
+  for (QPushButton* const button : {fExtract, fVerify, fCompare}) button->setEnabled(false);
+  const auto work = [this, listing = fListing, job = std::move(job)](const CTaskLink& link) {
+    const CJobView view{[&](int thousandths, const QString& item) {
+                          link.Post([this, thousandths, item] {
+                            fProgress->setRange(0, thousandths < 0 ? 0 : kProgressEnd);
+                            fProgress->setValue(thousandths);
+                            fItem->setText(item);
+                          });
+                        },
+                        [&](const std::vector<CResultLine>& lines) {
+                          link.Post([this, lines] { fResults->Add(lines); });
+                        }};
+    const QString heading = job({fTexts, *listing->fContents, link, view});
+    link.Post([this, heading] { fResults->SetHeading(heading); });
+  };
+  fJob.Start(work, [this, failed = std::move(failed)](const std::exception_ptr& failure) {
+    EndJob(fResults->Heading());
+    if (failure == nullptr) return;
+    fResults->hide();
+    if (failed && failed(failure)) return;
+    fDialogs.fShowAlert(this, AlertOfFailure(fTexts, failure, {}));
+  });
+}
+
+void CPackageWindow::StopJob() {
+  fJob.Stop();
+  EndJob(Text(kStopped));
+}
+
+void CPackageWindow::EndJob(const QString& heading) {
+  fResults->SetHeading(heading);
+  fProgress->hide();
+  fStop->hide();
+  fItem->clear();
+  for (QPushButton* const button : {fExtract, fVerify, fCompare}) button->setEnabled(true);
+}
+
+CPackageWindow* OpenPackageWindow(const CTextResources& texts, const QString& path) {
+  auto* const window = new CPackageWindow(texts, CPackageDialogs::OfTheDesktop());
+  window->setAttribute(Qt::WA_DeleteOnClose);
+  window->Open(path);
+  window->show();
+  return window;
+}
+
+}  // namespace NSTambraGui

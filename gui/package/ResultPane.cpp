@@ -1,0 +1,77 @@
+#include "gui/package/ResultPane.h"
+
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include "app/PackageTextNumbers.h"
+#include "gui/QtText.h"
+
+namespace NSTambraGui {
+
+namespace {
+
+constexpr int kPathRole = Qt::UserRole;
+
+}  // namespace
+
+CResultPane::CResultPane(const NSTambraPacking::CTextResources& texts, QWidget* parent)
+    : QWidget(parent),
+      fHeading(new QLabel(this)),
+      fList(new QTreeView(this)),
+      fModel(new QStandardItemModel(0, 3, this)) {
+  using namespace NSTambraPacking;
+  fHeading->setTextFormat(Qt::PlainText);
+  fHeading->setWordWrap(true);
+  fHeading->setBuddy(fList);
+  auto* const close = new QToolButton(this);
+  close->setAutoRaise(true);
+  close->setIcon(style()->standardIcon(QStyle::SP_TitleBarCloseButton));
+  close->setAccessibleName(ToQt(texts.Text(kCloseResults)));
+  close->setToolTip(close->accessibleName());
+  connect(close, &QToolButton::clicked, this, &QWidget::hide);
+  fModel->setHorizontalHeaderLabels({ToQt(texts.Text(kColumnWhat)), ToQt(texts.Text(kInfoName)),
+                                     ToQt(texts.Text(kColumnDetail))});
+  fList->setModel(fModel);
+  fList->setAccessibleName(ToQt(texts.Text(kResultsList)));
+  fList->setRootIsDecorated(false);
+  fList->setAlternatingRowColors(true);
+  fList->setEditTriggers(QAbstractItemView::NoEditTriggers);
+  fList->setColumnWidth(0, 200);
+  fList->setColumnWidth(1, 320);
+  auto* const bar = new QHBoxLayout;
+  bar->addWidget(fHeading, 1);
+  bar->addWidget(close, 0, Qt::AlignTop);
+  auto* const layout = new QVBoxLayout(this);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->addLayout(bar);
+  layout->addWidget(fList, 1);
+  connect(fList, &QTreeView::clicked, this, &CResultPane::Follow);
+  connect(fList, &QTreeView::activated, this, &CResultPane::Follow);
+  hide();
+}
+
+void CResultPane::Begin(const QString& heading) {
+  fModel->removeRows(0, fModel->rowCount());
+  fHeading->setText(heading);
+  show();
+}
+
+void CResultPane::Add(const std::vector<CResultLine>& lines) {
+  for (const CResultLine& line : lines) {
+    QList<QStandardItem*> row;
+    for (const QString& text : {line.fWhat, line.fName, line.fDetail}) {
+      row.append(new QStandardItem(text));
+    }
+    row.front()->setData(line.fPath, kPathRole);
+    fModel->appendRow(row);
+  }
+}
+
+void CResultPane::Follow(const QModelIndex& index) {
+  const QString path = index.siblingAtColumn(0).data(kPathRole).toString();
+  if (!path.isEmpty()) emit Followed(path);
+}
+
+}  // namespace NSTambraGui
