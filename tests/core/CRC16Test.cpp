@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <numeric>
 #include <string_view>
 #include <vector>
 
@@ -15,6 +16,9 @@ TEST(CRC16, KnownValuesWholeAndInParts) {
   const std::span whole(digits);
   const std::uint16_t first = NSTolbrook::CRC16(whole.first(4));
   EXPECT_EQ(NSTolbrook::CRC16(whole.subspan(4), first), 0x31C3);
+  std::vector<std::uint8_t> every(256);
+  std::iota(every.begin(), every.end(), std::uint8_t{0});
+  EXPECT_EQ(NSTolbrook::CRC16(every), 0x7E55);
 }
 
 }  // namespace
