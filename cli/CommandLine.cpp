@@ -11,6 +11,7 @@
 #include "Parts/TolbrookPackage/Core/Text.h"
 
 #include "app/ExceptionAlerts.h"
+#include "cli/CacheCommand.h"
 #include "cli/CheckCommand.h"
 #include "cli/Commands.h"
 #include "cli/DemoCommand.h"
@@ -38,6 +39,7 @@ std::vector<std::unique_ptr<ICommand>> MakeCommands() {
         MakeDumpCommand, MakeDWOPEncodeCommand, MakeDWOPDecodeCommand, MakeDWOPInfoCommand}) {
     commands.push_back(make());
   }
+  commands.push_back(std::make_unique<CCacheCommand>());
   commands.push_back(std::make_unique<CDemoCommand>());
   return commands;
 }

@@ -89,6 +89,9 @@ CLI::App* CPackCommand::Register(CLI::App& program) {
   command->add_option("--jobs", fJobs, "Threads that verify and pack (default: all cores)")
       ->type_name("N")
       ->check(CLI::Range(1U, 1024U));
+  command->add_flag("--no-cache", fNoCache,
+                    "Pack and verify every sample, whatever earlier runs packed");
+  fCacheLimit.AddOption(*command);
   command->footer(
       "Examples:\n"
       "  tambra pack Library Packages              ask on a terminal, else be careful\n"
@@ -97,6 +100,15 @@ CLI::App* CPackCommand::Register(CLI::App& program) {
       "                                            leave out files of unknown types\n"
       "  tambra pack Library Packages --json       an event a line, for programs");
   return command;
+}
+
+std::unique_ptr<NSTambraPacking::CPackCache> CPackCommand::MakeCache() const {
+  if (fNoCache || fCacheLimit.Bytes() == 0) return nullptr;
+  try {
+    return std::make_unique<NSTambraPacking::CPackCache>(CacheFolder(), fCacheLimit.Bytes());
+  } catch (const NSMordel::XNotFound&) {
+    return nullptr;  // a user without a home is no fault
+  }
 }
 
 int CPackCommand::Run(const CGlobalOptions& options) {
@@ -117,6 +129,8 @@ int CPackCommand::Run(const CGlobalOptions& options) {
   settings.fOutputFolder = NSTolbrook::CFileItem(PathArgument(fOutput));
   settings.fJobs = fJobs == 0 ? DefaultJobs() : fJobs;
   settings.fSlicedLoopLibrary = session.LoopLibrary();
+  const std::unique_ptr<NSTambraPacking::CPackCache> cache = MakeCache();
+  settings.fCache = cache.get();
   const char* ending = nullptr;
   const EExitStatus status = session.Run([&] {
     NSTambraPacking::CPackageInformation information;
@@ -128,6 +142,7 @@ int CPackCommand::Run(const CGlobalOptions& options) {
     NoteReasons(session.Console(), session.Texts(), *state);
     NoteRemarks(session.Console(), session.Texts(), *state);
   }
+  if (cache != nullptr) NoteCache(session.Console(), session.Texts(), *cache);
   ReportFiles(session, ending == nullptr ? StatusName(status) : ending, status);
   return status;
 }

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "cli/Command.h"
+#include "cli/CacheOptions.h"
 
 namespace NSTambraCli {
 
@@ -13,6 +13,9 @@ class CPackCommand : public ICommand {
   int Run(const CGlobalOptions& options) override;
 
  private:
+  /// Null when the run is to do without.
+  std::unique_ptr<NSTambraPacking::CPackCache> MakeCache() const;
+
   std::string fInput;
   std::string fOutput;
   std::vector<std::string> fAnswers;
@@ -20,6 +23,8 @@ class CPackCommand : public ICommand {
   bool fReplace = false;
   bool fYes = false;
   unsigned fJobs = 0;
+  bool fNoCache = false;
+  CCacheLimit fCacheLimit;
 };
 
 /// Threads that a job uses when the user does not say: as many as the processor runs.

@@ -225,7 +225,11 @@ bool CStreamCache::Keep(const CDigest& key, const IMedia& stream, const CDigest&
 void CStreamCache::Save() {
   DropDamaged();
   ++fSaves;
-  for (const CDigest& key : fUsed) fRecords.at(key).fLastUse = fSaves;
+  for (const CDigest& key : fUsed) {
+    if (const auto record = fRecords.find(key); record != fRecords.end()) {
+      record->second.fLastUse = fSaves;
+    }
+  }
   WriteCatalogue();
   fStore->Commit();
 }

@@ -29,7 +29,8 @@ LOOPS = [f"Loops/{name}: sliced-loop file checked for structure only (no sliced-
                                "ループ 140.lqx2")]
 EXISTS = f"The file “{PACKAGE}” already exists, do you want to replace it?"
 UNKNOWN = "The file “stray.png” is in an unsupported format. Continue without this file?"
-ENVIRONMENT = {**os.environ, "TZ": "UTC", "LC_ALL": "C.UTF-8"}
+ENVIRONMENT = {**os.environ, "TZ": "UTC", "LC_ALL": "C.UTF-8",
+               "XDG_CACHE_HOME": str(BASE / "cache")}
 ENVIRONMENT.pop("TAMBRA_LQX_LIBRARY", None)
 
 

@@ -56,8 +56,8 @@ class Trial:
                        "FAULT_COUNT": str(self.base / "count") if at == 0 else "",
                        "FAULT_TRACE": str(self.trace_file) if kind == "trace" else "",
                        "LD_PRELOAD": str(self.faults) if kind else ""}
-        command = [self.program, "pack", self.input, self.output, "--json", "--replace", "--jobs",
-                   jobs]
+        command = [self.program, "pack", self.input, self.output, "--json", "--replace", "--no-cache",
+                   "--jobs", jobs]
         return subprocess.Popen(list(map(str, command)), env=environment, stdout=subprocess.PIPE,
                                 stderr=subprocess.PIPE)
 

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <memory>
+
+#include "app/PackCache.h"
+#include "app/TextResources.h"
+#include "cli/Command.h"
+
+namespace NSTambraCli {
+
+/// How much the cache of packed samples may hold: --cache-limit MB, else TAMBRA_CACHE_LIMIT of the
+/// environment.
+class CCacheLimit {
+ public:
+  void AddOption(CLI::App& command);
+  std::uint64_t Bytes() const { return std::uint64_t{fMegabytes} * 1'000'000; }
+
+ private:
+  unsigned fMegabytes = 4000;
+};
+
+/// Where the cache is: "tambra" in the user's cache folder. Throws XNotFound when there is none.
+NSTolbrook::NativePath CacheFolder();
+
+/// What the cache did for a run: on standard error what went wrong with it, or a JSON event
+/// ("cache").
+void NoteCache(const CConsole& console, const NSTambraPacking::CTextResources& texts,
+               const NSTambraPacking::CPackCache& cache);
+
+}  // namespace NSTambraCli
