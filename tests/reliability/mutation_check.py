@@ -6,6 +6,7 @@ mutations.py. A change that no test notices is a fault of the tests."""
 import argparse
 import collections
 import pathlib
+import resource
 import shutil
 import subprocess
 import sys
@@ -16,12 +17,17 @@ from mutations import MUTATIONS
 # What a test needs; the others are the programs of their folder.
 TARGETS = {"crash_simulation": ["crash_simulation"], "trace": ["tambra", "faulty_calls"],
            "failing_calls": ["tambra", "faulty_calls"]}
-TIME_LIMIT = 900
+TIME_LIMIT = 300
+MEMORY_LIMIT = 4 << 30  # what runs in a circle ends here
 
 
 def run(*command, **options):
     return subprocess.run(list(map(str, command)), capture_output=True, text=True, check=False,
                           **options)
+
+
+def limit_memory():
+    resource.setrlimit(resource.RLIMIT_AS, (MEMORY_LIMIT, MEMORY_LIMIT))
 
 
 class Copy:
@@ -48,7 +54,7 @@ class Copy:
         """Whether all these tests pass."""
         pattern = f"^({'|'.join(tests)})$"
         done = run("ctest", "--test-dir", self.build_folder, "-R", pattern, "--no-tests=error",
-                   "--stop-on-failure", "--timeout", TIME_LIMIT)
+                   "--stop-on-failure", "--timeout", TIME_LIMIT, preexec_fn=limit_memory)
         return done.returncode == 0
 
     def try_mutation(self, path, old, new, tests):
