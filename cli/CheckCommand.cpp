@@ -13,16 +13,18 @@ namespace NSTambraCli {
 CLI::App* CCheckCommand::Register(CLI::App& program) {
   CLI::App* const command =
       program.add_subcommand("check", "Tell what would come of packing a folder; writes nothing");
-  command->add_option("INPUT", fInput, "The folder with the content library")->required();
-  command->add_option("--jobs", fJobs, "Threads that verify (default: all cores)")
-      ->type_name("N")
-      ->check(CLI::Range(1U, 1024U));
+  command->add_option("INPUT", fInput, "The folder with the content library")
+      ->type_name(kFolderValue)
+      ->required();
+  AddJobsOption(*command, fJobs, "Threads that verify (default: all cores)");
   command->footer("Example:\n  tambra check Library");
   return command;
 }
 
 int CCheckCommand::Run(const CGlobalOptions& options) {
-  CJobSession session(options, {});
+  CJobSession::COptions sessionOptions;
+  sessionOptions.fSubject = fInput;
+  CJobSession session(options, std::move(sessionOptions));
   NSTambraPacking::CPackSettings settings;
   settings.fInputFolder = NSTolbrook::CFileItem(PathArgument(fInput));
   settings.fJobs = fJobs == 0 ? DefaultJobs() : fJobs;

@@ -8,6 +8,7 @@
 #include "Parts/TolbrookPackage/Core/FileSystem.h"
 
 #include "cli/Console.h"
+#include "cli/OptionValue.h"
 
 namespace NSTambraCli {
 
@@ -37,6 +38,9 @@ class ICommand {
   /// The file that a failure is about when it names none itself; may be empty.
   virtual std::string Subject() const { return {}; }
 };
+
+/// Adds --jobs N, 1 to 1024. `jobs` keeps its value when the option is not given.
+void AddJobsOption(CLI::App& command, unsigned& jobs, const std::string& description);
 
 /// A path as the command line gives it (UTF-8).
 NSTolbrook::NativePath PathArgument(const std::string& argument);

@@ -82,6 +82,16 @@ void AddAnswer(CPreparedAnswers& answers, std::string_view pair) {
   answers.fAnswers[number] = NSTolbrook::TextFromUtf8(pair.substr(equals + 1));
 }
 
+std::vector<std::string> PossibleAnswers(const NSTambraPacking::CTextResources& texts) {
+  std::vector<std::string> answers;
+  for (const CAlertNumber question : kQuestions) {
+    for (const std::u16string& button : texts.Alert(question).fButtons) {
+      answers.push_back(std::to_string(question.fEntry) + "=" + NSTolbrook::Utf8FromText(button));
+    }
+  }
+  return answers;
+}
+
 void CheckAnswers(const CPreparedAnswers& answers, const NSTambraPacking::CTextResources& texts) {
   for (const auto& [number, label] : answers.fAnswers) {
     const CAlertText alert = texts.Alert({kQuestions.front().fTable, number});

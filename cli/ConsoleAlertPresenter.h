@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "app/AlertPresenter.h"
 #include "app/TextResources.h"
@@ -22,6 +23,9 @@ struct CPreparedAnswers {
 /// Parses "ALERT=BUTTON" into `answers`. Throws XFormatViolation when it is no such pair or the
 /// alert is none that asks.
 void AddAnswer(CPreparedAnswers& answers, std::string_view pair);
+
+/// Every pair that AddAnswer takes and CheckAnswers lets pass.
+std::vector<std::string> PossibleAnswers(const NSTambraPacking::CTextResources& texts);
 
 /// Throws XWrongUsage when an alert has no button of the label that is prepared for it.
 void CheckAnswers(const CPreparedAnswers& answers, const NSTambraPacking::CTextResources& texts);

@@ -54,8 +54,10 @@ CLI::App* CConvertCommand::Register(CLI::App& program) {
       encodes ? Parent(program).add_subcommand("encode", "Compress a WAVE or AIFF file")
               : Parent(program).add_subcommand("decode", "Restore the file of a DWOP stream");
   command->add_option("IN", fFile, encodes ? "The WAVE or AIFF file" : "The DWOP stream")
+      ->type_name(kFileValue)
       ->required();
   command->add_option("OUT", fOutput, encodes ? "The DWOP stream" : "The WAVE or AIFF file")
+      ->type_name(kFileValue)
       ->required();
   command->add_flag("--replace", fReplace, "Replace OUT when it is there already");
   command->footer(encodes ? "Example:\n  tambra dwop encode Kick.wav Kick.dwop"
@@ -95,7 +97,7 @@ class CDWOPInfoCommand : public CFileCommand {
 
 CLI::App* CDWOPInfoCommand::Register(CLI::App& program) {
   CLI::App* const command = Parent(program).add_subcommand("info", "Describe a DWOP stream");
-  command->add_option("IN", fFile, "The DWOP stream")->required();
+  command->add_option("IN", fFile, "The DWOP stream")->type_name(kFileValue)->required();
   command->footer("Example:\n  tambra dwop info Kick.dwop");
   return command;
 }

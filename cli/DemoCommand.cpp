@@ -12,6 +12,7 @@ CLI::App* CDemoCommand::Register(CLI::App& program) {
   CLI::App* const command =
       program.add_subcommand("demo", "Write a small content library to try the packer on");
   command->add_option("FOLDER", fFolder, "A folder that does not exist yet or is empty")
+      ->type_name(kFolderValue)
       ->required();
   command->footer("Example:\n  tambra demo Library && tambra pack Library Packages");
   return command;

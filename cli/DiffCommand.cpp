@@ -115,8 +115,8 @@ class CDiffCommand : public CFileCommand {
 
 CLI::App* CDiffCommand::Register(CLI::App& program) {
   CLI::App* const command = program.add_subcommand("diff", "Tell how two packages differ");
-  command->add_option("A", fFile, "The first package")->required();
-  command->add_option("B", fOther, "The second package")->required();
+  command->add_option("A", fFile, "The first package")->type_name(kPackageValue)->required();
+  command->add_option("B", fOther, "The second package")->type_name(kPackageValue)->required();
   command->footer(
       "Examples:\n"
       "  tambra diff Old.tmb New.tmb\n"

@@ -74,7 +74,9 @@ class CDumpCommand : public CFileCommand {
 CLI::App* CDumpCommand::Register(CLI::App& program) {
   CLI::App* const command = program.add_subcommand(
       "dump", "Show every field of a package, a DWOP stream or a block store");
-  command->add_option("FILE", fFile, "The file; what it is shows in its first bytes")->required();
+  command->add_option("FILE", fFile, "The file; what it is shows in its first bytes")
+      ->type_name(kFileValue)
+      ->required();
   command->footer(
       "Examples:\n"
       "  tambra dump Library.tmb | less\n"

@@ -108,11 +108,14 @@ class CExtractCommand : public CFileCommand {
 CLI::App* CExtractCommand::Register(CLI::App& program) {
   CLI::App* const command = program.add_subcommand(
       "extract", "Give the files of a package back, samples as WAVE and AIFF files");
-  command->add_option("FILE", fFile, "The package")->required();
+  command->add_option("FILE", fFile, "The package")->type_name(kPackageValue)->required();
   command->add_option("FOLDER", fFolder, "Where the files are written; made when it is not there")
+      ->type_name(kFolderValue)
       ->required();
-  command->add_option("NAME", fNames,
-                      "Only these: names, or patterns with * (any characters) and ? (one)");
+  command
+      ->add_option("NAME", fNames,
+                   "Only these: names, or patterns with * (any characters) and ? (one)")
+      ->type_name(kEntryValue);
   command->add_flag("--replace", fReplace, "Replace files that are there already");
   command->footer(
       "Examples:\n"

@@ -1,13 +1,36 @@
 #include "cli/HelpFormatter.h"
 
+#include "cli/OptionValue.h"
+
 namespace NSTambraCli {
+
+CHelpFormatter::CHelpFormatter() {
+  label("Positionals", "Arguments");
+  label("Subcommands", "Commands");
+}
 
 std::string CHelpFormatter::make_help(const CLI::App* app, std::string name,
                                       CLI::AppFormatMode mode) const {
   if (mode == CLI::AppFormatMode::Sub) return make_expanded(app);
-  return app->get_description() + "\n\n" + make_footer(app) + "\n" +
-         make_usage(app, std::move(name)) + make_positionals(app) + make_groups(app, mode) +
-         make_subcommands(app, mode);
+  return app->get_description() + "\n\n" + make_footer(app) + "\nUsage: " + UsageLine(*app, name) +
+         "\n" + make_positionals(app) + make_groups(app, mode) + make_subcommands(app, mode);
+}
+
+std::string CHelpFormatter::make_option_opts(const CLI::Option* option) const {
+  if (option->get_positional() || !TakesValue(*option)) return {};
+  const bool isRepeated = option->get_items_expected_max() > 1;
+  return " " + ValueName(*option) + (isRepeated ? " ..." : "");
+}
+
+std::string UsageLine(const CLI::App& command, const std::string& name) {
+  std::string usage = name;
+  if (!CommandsOf(command).empty()) usage += " COMMAND";
+  for (const CLI::Option* const option : PositionalsOf(command)) {
+    const bool isRepeated = option->get_items_expected_max() > 1;
+    const std::string shown = option->get_name() + (isRepeated ? "..." : "");
+    usage += option->get_required() ? " " + shown : " [" + shown + "]";
+  }
+  return usage + " [OPTIONS]";
 }
 
 }  // namespace NSTambraCli

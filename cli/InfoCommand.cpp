@@ -50,7 +50,7 @@ class CInfoCommand : public CFileCommand {
 
 CLI::App* CInfoCommand::Register(CLI::App& program) {
   CLI::App* const command = program.add_subcommand("info", "Show what a package says about itself");
-  command->add_option("FILE", fFile, "The package")->required();
+  command->add_option("FILE", fFile, "The package")->type_name(kPackageValue)->required();
   command->footer("Example:\n  tambra info Packages/Library.tmb");
   return command;
 }

@@ -32,6 +32,7 @@ std::unique_ptr<NSTambraPacking::CLQXLibrary> LoadLoopLibrary(const CGlobalOptio
 
 CJobSession::CJobSession(const CGlobalOptions& global, COptions options)
     : fConsole(global.Console()),
+      fSubject(options.fSubject),
       fTexts(LoadTexts(global)),
       fLoopLibrary(LoadLoopLibrary(global)),
       fView(MakeProgressView(fConsole)),
@@ -64,7 +65,7 @@ EExitStatus CJobSession::ShowFailure() {
   } catch (...) {
     const std::exception_ptr failure = std::current_exception();
     fPacker.ShowFailure(failure);
-    ReportDetail(fConsole, fTexts, failure);
+    ReportDetail(fConsole, fTexts, failure, fSubject);
     return kExitFailed;
   }
 }

@@ -25,6 +25,8 @@ class CJobSession {
   struct COptions {
     CPreparedAnswers fAnswers;
     bool fWarnForExternal = false;
+    /// What a failure that names nothing itself is about: the input folder.
+    std::string fSubject;
   };
 
   CJobSession(const CGlobalOptions& global, COptions options);
@@ -43,6 +45,7 @@ class CJobSession {
   EExitStatus ShowFailure();
 
   CConsole fConsole;
+  std::string fSubject;
   NSTambraPacking::CTextResources fTexts;
   NSTolbrook::CSystemClock fClock;
   std::unique_ptr<NSTambraPacking::CLQXLibrary> fLoopLibrary;

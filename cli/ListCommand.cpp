@@ -69,7 +69,7 @@ class CListCommand : public CFileCommand {
 
 CLI::App* CListCommand::Register(CLI::App& program) {
   CLI::App* const command = program.add_subcommand("list", "List the entries of a package");
-  command->add_option("FILE", fFile, "The package")->required();
+  command->add_option("FILE", fFile, "The package")->type_name(kPackageValue)->required();
   command->footer("Example:\n  tambra list Packages/Library.tmb");
   return command;
 }

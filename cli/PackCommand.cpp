@@ -76,19 +76,21 @@ unsigned DefaultJobs() { return std::max(1U, std::thread::hardware_concurrency()
 
 CLI::App* CPackCommand::Register(CLI::App& program) {
   CLI::App* const command = program.add_subcommand("pack", "Make a package of a folder");
-  command->add_option("INPUT", fInput, "The folder with the content library")->required();
-  command->add_option("OUTPUT", fOutput, "The folder for the package and the log")->required();
+  command->add_option("INPUT", fInput, "The folder with the content library")
+      ->type_name(kFolderValue)
+      ->required();
+  command->add_option("OUTPUT", fOutput, "The folder for the package and the log")
+      ->type_name(kFolderValue)
+      ->required();
   command->add_flag("--warn-external", fWarnForExternal,
                     "Ask about each file that refers to another package");
   command->add_flag("--replace", fReplace, "Replace a package that is there already");
   command->add_option("--answer", fAnswers, "Answer an alert in advance, by number and button")
-      ->type_name("ALERT=BUTTON")
+      ->type_name(kAnswerValue)
       ->check(FaultOfAnswer)
       ->allow_extra_args(false);
   command->add_flag("--yes", fYes, "Go on wherever the packer would ask");
-  command->add_option("--jobs", fJobs, "Threads that verify and pack (default: all cores)")
-      ->type_name("N")
-      ->check(CLI::Range(1U, 1024U));
+  AddJobsOption(*command, fJobs, "Threads that verify and pack (default: all cores)");
   command->add_flag("--no-cache", fNoCache,
                     "Pack and verify every sample, whatever earlier runs packed");
   fCacheLimit.AddOption(*command);
@@ -122,6 +124,7 @@ int CPackCommand::Run(const CGlobalOptions& options) {
   }
   sessionOptions.fAnswers.fYes = fYes;
   sessionOptions.fWarnForExternal = fWarnForExternal;
+  sessionOptions.fSubject = fInput;
   CJobSession session(options, std::move(sessionOptions));
 
   NSTambraPacking::CPackSettings settings;

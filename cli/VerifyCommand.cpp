@@ -82,11 +82,9 @@ class CVerifyCommand : public CFileCommand {
 CLI::App* CVerifyCommand::Register(CLI::App& program) {
   CLI::App* const command =
       program.add_subcommand("verify", "Read every entry of a package as its type demands");
-  command->add_option("FILE", fFile, "The package")->required();
+  command->add_option("FILE", fFile, "The package")->type_name(kPackageValue)->required();
   command->add_flag("--quick", fQuick, "Look at the header and the index only");
-  command->add_option("--jobs", fJobs, "Threads that verify (default: all cores)")
-      ->type_name("N")
-      ->check(CLI::Range(1U, 1024U));
+  AddJobsOption(*command, fJobs, "Threads that verify (default: all cores)");
   command->footer(
       "Examples:\n"
       "  tambra verify Library.tmb            decode every sample, look up every reference\n"

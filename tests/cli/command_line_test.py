@@ -260,41 +260,12 @@ class CommandLineTest(unittest.TestCase):
         self.assertRegex(output[0], "^Samples/Schlagzeug/Kick 01.wav: .")
         self.assertEqual(len(output), 2)
 
-    def test_wrong_usage_and_unusable_files(self):
-        hint = "Run with --help for more information."
-        for arguments, message in (
-                ([], "A subcommand is required"), (["frob"], '"frob" is no command'), (["lsit"], '"lsit" is no command; did you mean list?'),
-                (["dwop", "inof"], '"inof" is no command; did you mean info?'),
-                (["a\x1b[2J"], '"a�[2J" is no command'),
-                (["pack", "a", "b", "--repalce"], "The following argument was not expected: --repalce; "
-                 "did you mean --replace?"),
-                (["pack", "demo", "x", "--answer", "20=Foo"],
-                 'alert 20 has no button "Foo", but "Cancel", "Replace"'),
-                (["pack"], "INPUT is required"), (["pack", "demo"], "OUTPUT is required"),
-                (["list", "a", "b"], "The following argument was not expected: b"),
-                (["pack", "demo", "x", "--jobs", "0"], "--jobs: Value 0 not in range 1 to 1024"),
-                (["pack", "demo", "x", "--answer", "foo"],
-                 '--answer: "foo" is no answer; write ALERT=BUTTON, such as 20=Replace'),
-                (["pack", "demo", "x", "--answer", "5=OK"],
-                 "--answer: alert 5 asks nothing; 10, 18, 20, 21 and 23 do")):
-            self.expect(arguments, 2, error=[message, hint])
-        missing = "cannot open the file: No such file or directory"
-        for command in ("info", "list", "verify"):
-            self.expect([command, "nothing"], 4, error=[f"nothing: {missing}"])
-            status, output, error = tambra(command, "demo/Splash.jpg")
-            self.assertEqual((status, output, len(error)), (4, [], 1))
-            self.assertRegex(error[0], "^demo/Splash.jpg: ")
-            text = "\n".join(tambra(command, "--help")[1])
-            self.assertIn(f"  tambra {command} ", text[:text.index("Usage: ")])  # examples first
-        gone = "The Operation could not be completed because the file system object was not found."
-        self.expect(["check", "nothing"], 4, error=[gone, "nothing: the input folder does not exist"])
-        self.expect(["pack", "nothing", "no"], 4,
-                    error=[gone, "nothing: the input folder does not exist"])
+    def test_output_folders_that_cannot_be_used(self):
         self.assertEqual(tambra("pack", "demo", "demo/out")[0], 4)
-        self.assertFalse((BASE / "no").exists() or (BASE / "demo/out").exists())
+        self.assertFalse((BASE / "demo/out").exists())
         self.assertEqual(tambra("list", f"out/{PACKAGE}", "--texts", "nothing")[0], 4)
 
-    def test_a_closed_pipe_is_quiet_and_a_full_disk_is_told(self):
+    def test_a_closed_pipe_is_quiet(self):
         for arguments in (["list", f"out/{PACKAGE}", "--quiet"], ["pack", "demo", "pipe", "--json"]):
             reader, writer = os.pipe()
             run = subprocess.Popen([PROGRAM, *arguments], cwd=BASE, env=ENVIRONMENT, stdout=writer,
@@ -305,11 +276,6 @@ class CommandLineTest(unittest.TestCase):
             self.assertEqual(run.communicate(timeout=60)[1], b"")
             self.assertIn(run.returncode, (0, 4) if arguments[0] == "list" else (4,))
         self.assertEqual(tree(BASE / "pipe") if (BASE / "pipe").exists() else {}, {})
-        with open("/dev/full", "wb") as full:
-            run = subprocess.run([PROGRAM, "list", f"out/{PACKAGE}", "--quiet"], cwd=BASE,
-                                 stdout=full, stderr=subprocess.PIPE, env=ENVIRONMENT)
-        self.assertEqual(run.returncode, 4)
-        self.assertIn(b"cannot write to standard output: No space left", run.stderr)
 
     def test_extract_gives_the_files_back(self):
         whole = f"out/{PACKAGE}"
