@@ -49,9 +49,13 @@ TEST_F(BlockStoreTest, StreamsAreFoundByTheirIdentifier) {
 }
 
 TEST_F(BlockStoreTest, BlocksOfTwoStatesAreKeptAndOlderOnesUsedAgain) {
-  const auto stream = fStore->NewStream();
+  auto stream = fStore->NewStream();
   std::uint64_t blocks = 0;
   for (std::uint32_t i = 0; i < 50; ++i) {
+    if (i % 3 == 2) {  // opened anew, too
+      fStore = CBlockStore::Open(fMedia);
+      stream = fStore->OpenStream(1);
+    }
     stream->Write(0, RandomBytes(200, i));
     // Until the commit the file holds the two states before, each whole.
     Bytes damaged = fMedia->Bytes();
