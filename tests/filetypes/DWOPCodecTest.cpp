@@ -1,7 +1,9 @@
 #include <algorithm>
+#include <cstdlib>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
+#include <random>
 #include <rapidcheck.h>
 #include <rapidcheck/gtest.h>
 #include <string>
@@ -51,18 +53,25 @@ CDWOPHeader HeaderFor(const CReferenceFormat& format, std::size_t length) {
   return header;
 }
 
-CBytes Encode(const CReferenceFormat& format, const CSamples& samples) {
+std::vector<EDWOPForm> Forms() {
+  std::vector<EDWOPForm> forms = {EDWOPForm::kPortable};
+  if (CanRunDWOPForm(EDWOPForm::kAVX2)) forms.push_back(EDWOPForm::kAVX2);
+  return forms;
+}
+
+CBytes Encode(const CReferenceFormat& format, const CSamples& samples,
+              EDWOPForm form = FastestDWOPForm()) {
   CMemoryMedia media;
   CMediaCursor cursor(media);
   WriteDWOPHeader(cursor, HeaderFor(format, samples.size() / format.fChannels));
-  CDWOPEncoder encoder(cursor, format.fChannels);
+  CDWOPEncoder encoder(cursor, format.fChannels, form);
   encoder.Encode(samples);
   encoder.Finish();
   return media.TakeBytes();
 }
 
 /// Decodes one frame at a time, so that a fault leaves the same samples as in the reference.
-CReferenceResult Decode(const CBytes& stream) {
+CReferenceResult Decode(const CBytes& stream, EDWOPForm form = FastestDWOPForm()) {
   CReferenceResult result;
   CMemoryMedia media(stream);
   CMediaCursor cursor(media);
@@ -70,7 +79,7 @@ CReferenceResult Decode(const CBytes& stream) {
     const CDWOPHeader header = ReadDWOPHeader(cursor);
     result.fFormat = {header.fChannels, header.fWidth, header.fRate};
     result.fLength = header.fLength;
-    COptimizedDWOPDecompressorFromMedia decompressor(header, media, cursor.Position());
+    COptimizedDWOPDecompressorFromMedia decompressor(header, media, cursor.Position(), form);
     CSamples frame(header.fChannels);
     for (std::uint32_t i = 0; i < header.fLength; ++i) {
       decompressor.Decode(frame);
@@ -83,13 +92,15 @@ CReferenceResult Decode(const CBytes& stream) {
   return result;
 }
 
-/// Both decoders agree: on the verdict, the samples before a fault and the bit stream's length.
+/// All decoders agree: on the verdict, the samples before a fault and the bit stream's length.
 void ExpectSameDecoding(const CBytes& stream, const std::string& what) {
-  const CReferenceResult ours = Decode(stream);
   const CReferenceResult theirs = ReferenceDecode(stream);
-  ASSERT_EQ(ours.fWhole, theirs.fWhole) << what;
-  ASSERT_EQ(ours.fSamples, theirs.fSamples) << what;
-  ASSERT_EQ(ours.fWords, ours.fWhole ? theirs.fWords : 0) << what;
+  for (const EDWOPForm form : Forms()) {
+    const CReferenceResult ours = Decode(stream, form);
+    ASSERT_EQ(ours.fWhole, theirs.fWhole) << what;
+    ASSERT_EQ(ours.fSamples, theirs.fSamples) << what;
+    ASSERT_EQ(ours.fWords, ours.fWhole ? theirs.fWords : 0) << what;
+  }
 }
 
 CBytes ReadData(const std::string& name) {
@@ -181,10 +192,7 @@ RC_GTEST_PROP(DWOPCodec, AgreesWithTheReferenceOnNoiseInsteadOfAStream, ()) {
       rc::gen::weightedOneOf<std::uint8_t>({{1, rc::gen::arbitrary<std::uint8_t>()},
                                             {2, rc::gen::element<std::uint8_t>(0, 1, 255)}}));
   stream.insert(stream.end(), noise.begin(), noise.end());
-  const CReferenceResult ours = Decode(stream);
-  const CReferenceResult theirs = ReferenceDecode(stream);
-  RC_ASSERT(ours.fWhole == theirs.fWhole);
-  RC_ASSERT(ours.fSamples == theirs.fSamples);
+  ExpectSameDecoding(stream, "noise");
 }
 
 TEST(DWOPCodec, DamagedStreamsEndInAFaultOrInSamples) {
@@ -227,6 +235,44 @@ TEST(DWOPCodec, AHeaderCannotMakeTheDecoderHangOrTakeMemory) {
       EXPECT_STREQ(failure.what(), test.fMessage) << test.fBytes;
     }
   }
+}
+
+/// Up to `count` values, glued from pieces of several kinds.
+CSamples GluedSignal(std::mt19937& random, unsigned width, std::size_t count) {
+  CSamples samples;
+  while (samples.size() < count) {
+    const auto kind = static_cast<ESignal>(random() % static_cast<unsigned>(ESignal::kCount));
+    const std::size_t length = std::min<std::size_t>(random() % 3000 + 1, count - samples.size());
+    const CSamples piece = MakeSignal(kind, width, length, random());
+    samples.insert(samples.end(), piece.begin(), piece.end());
+  }
+  return samples;
+}
+
+/// Streams of the lengths at which blocks end, and of odd ones, in all forms both ways. The
+/// environment says how many.
+TEST(DWOPCodec, GivesBackThousandsOfStreamsInEveryForm) {
+  constexpr std::size_t kLengths[] = {0, 1, 2, 4095, 4096, 4097};
+  const char* const wanted = std::getenv("TAMBRA_ROUND_TRIPS");
+  const int count = wanted ? std::atoi(wanted) : 300;
+  std::mt19937 random(1);
+  for (int i = 0; i < count; ++i) {
+    const CReferenceFormat format{random() % 2 + 1, random() % 2 ? 16U : 24U, 48000};
+    const std::size_t length = i % 4 ? random() % 2000 | 1 : kLengths[random() % 6];
+    const CSamples samples = GluedSignal(random, format.fWidth, length * format.fChannels);
+    const CBytes stream = Encode(format, samples, EDWOPForm::kPortable);
+    const CMemoryMedia media(stream);
+    for (const EDWOPForm form : Forms()) {
+      ASSERT_TRUE(Encode(format, samples, form) == stream) << "stream " << i;
+      COptimizedDWOPDecompressorFromMedia decompressor(HeaderFor(format, length), media, 26, form);
+      CSamples decoded(samples.size());
+      decompressor.Decode(decoded);
+      ASSERT_TRUE(decoded == samples) << "stream " << i;
+      ASSERT_EQ(26 + decompressor.WordsConsumed() * 4, stream.size()) << "stream " << i;
+    }
+  }
+  RecordProperty("round_trips", count * static_cast<int>(Forms().size()));
+  RecordProperty("streams", count);
 }
 
 TEST(DWOPCodec, ReadsPiecesOf16384Words) {
