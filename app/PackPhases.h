@@ -36,8 +36,8 @@ void BuildFolderStructure(const CPhaseContext& context);
 /// 3: verifies every entry, then leaves out what the options say. Throws XAbort at its end when
 /// entries failed or have unresolved references, or the user does not want to go on.
 void VerifyEntries(const CPhaseContext& context);
-/// Behind 3, of a check: measures every sample and gathers advice by the settings' rules. Throws what
-/// reading a sample throws.
+/// Behind 3, of a check: measures every sample and gathers advice by the settings' rules. Throws
+/// what reading a sample throws.
 void GiveAdvice(const CPhaseContext& context);
 /// 4: packs every entry into the working file. Throws XAbort when the user does not want to go on,
 /// XOutOfSpace when the package gets too large.
@@ -51,7 +51,8 @@ void ComposePackage(const CPhaseContext& context);
 /// 8: reads the package file back and verifies it. Throws XFormatViolation when its header is not
 /// the one that was written.
 void VerifyPackage(const CPhaseContext& context);
-/// Behind 8: gives what was packed and verified to the cache, if there is one. Throws nothing of it.
+/// Behind 8: gives what was packed and verified to the cache, if there is one. Throws nothing of
+/// it.
 void KeepPackedEntries(const CPhaseContext& context);
 
 }  // namespace NSTambraPacking

@@ -131,7 +131,14 @@ inline constexpr CStringNumber kAdviceStageLine{128, 700};
 inline constexpr CStringNumber kAdviceItemLine{128, 701};
 inline constexpr CStringNumber kAdviceHeading{128, 702};
 inline constexpr CStringNumber kAdviceCounts{128, 703};
-/// Of the first kind, the five texts of each stand one behind the other.
+// Summary of a run; the headings of the columns and the reasons follow each other
+inline constexpr CStringNumber kFirstSummaryColumn{128, 705};
+inline constexpr CStringNumber kSummaryTotal{128, 710};
+inline constexpr CStringNumber kSummaryPercent{128, 711};
+inline constexpr CStringNumber kSummaryLeftOut{128, 712};
+inline constexpr CStringNumber kSummaryRun{128, 713};
+inline constexpr CStringNumber kFirstLeftOutReason{128, 790};
+/// Of the first kind of advice, the five texts of each stand one behind the other.
 inline constexpr CStringNumber kFirstAdviceText{128, 720};
 
 // Standard menus

@@ -2,55 +2,64 @@
 
 #include <algorithm>
 
-#include "Parts/TolbrookPackage/Core/Text.h"
-
-#include "cli/JobReport.h"
+#include "cli/AdviceReport.h"
 #include "cli/JobSession.h"
-#include "cli/PackCommand.h"
 
 namespace NSTambraCli {
+
+namespace {
+
+std::vector<std::string> AdviceIds() {
+  std::vector<std::string> ids;
+  for (const auto& kind : NSTambraPacking::AdviceKinds()) ids.emplace_back(kind.fId);
+  return ids;
+}
+
+}  // namespace
 
 CLI::App* CCheckCommand::Register(CLI::App& program) {
   CLI::App* const command =
       program.add_subcommand("check", "Tell what would come of packing a folder; writes nothing");
-  command->add_option("INPUT", fInput, "The folder with the content library")
-      ->type_name(kFolderValue)
-      ->required();
-  AddJobsOption(*command, fJobs, "Threads that verify (default: all cores)");
-  command->footer("Example:\n  tambra check Library");
+  command->add_option("INPUT", fCheck.fInput, "The folder with the content library")
+      ->type_name(kFolderValue);
+  AddJobsOption(*command, fCheck.fJobs, "Threads that verify (default: all cores)");
+  command->add_option("--fail-on", fFailOn, "Fail on advice of this severity and worse")
+      ->check(CLI::IsMember({"error", "warning", "note"}))
+      ->capture_default_str();
+  command->add_option("--overrides", fCheck.fOverrides, "Rules that turn advice up, down or off")
+      ->type_name(kFileValue);
+  command->add_option("--explain", fExplain, "Tell about a kind of advice")
+      ->type_name("ID")
+      ->check(CLI::IsMember(AdviceIds()));
+  command->add_flag("--list-advice", fList, "List the kinds of advice");
+  command->footer(
+      "Examples:\n"
+      "  tambra check Library\n"
+      "  tambra check Library --fail-on warning      for a release\n"
+      "  tambra check --explain loop-click");
   return command;
 }
 
 int CCheckCommand::Run(const CGlobalOptions& options) {
-  CJobSession::COptions sessionOptions;
-  sessionOptions.fSubject = fInput;
-  CJobSession session(options, std::move(sessionOptions));
-  NSTambraPacking::CPackSettings settings;
-  settings.fInputFolder = NSTolbrook::CFileItem(PathArgument(fInput));
-  settings.fJobs = fJobs == 0 ? DefaultJobs() : fJobs;
-  settings.fSlicedLoopLibrary = session.LoopLibrary();
-  const EExitStatus status = session.Run([&] {
-    NSTambraPacking::CPackageInformation information;
-    session.Packer().Check(settings, information, session.Progress());
-    return kExitDone;
-  });
-  const NSTambraPacking::CPackJobState* const state = session.Packer().State();
-  if (state == nullptr) return status;
-  const CConsole& console = session.Console();
-  if (status == kExitDone || status == kExitAborted) {  // else nothing was found out to the end
-    PrintFindings(console, session.Texts(), *state);
-    NoteRemarks(console, session.Texts(), *state);
+  if (fList || !fExplain.empty()) return Explain(options);
+  if (fCheck.fInput.empty()) {
+    throw XWrongUsage("INPUT is missing: The folder with the content library");
   }
-  const auto files =
-      static_cast<std::size_t>(std::count_if(state->fEntries.begin(), state->fEntries.end(),
-                                             [](const auto& entry) { return entry.TakesPart(); }));
-  if (console.Json()) {
-    console.PrintJson({{"event", "result"}, {"status", status}, {"files", files}});
-  } else if (status == kExitDone) {
-    console.Print(Printable(session.Texts().Text(
-        NSTambraPacking::kCheckPassed, {NSTolbrook::TextFromUtf8(std::to_string(files))})));
+  const auto name = std::ranges::find(NSTambraPacking::kSeverityNames, fFailOn);
+  fCheck.fFailOn =
+      static_cast<NSTambraPacking::ESeverity>(name - NSTambraPacking::kSeverityNames.begin());
+  return RunCheck(options, fCheck);
+}
+
+int CCheckCommand::Explain(const CGlobalOptions& options) const {
+  const CConsole console = options.Console();
+  const NSTambraPacking::CTextResources texts = LoadTexts(options);
+  if (fList) {
+    PrintAdviceKinds(console, texts);
+  } else {
+    ExplainAdvice(console, texts, *NSTambraPacking::FindAdviceKind(fExplain));
   }
-  return status;
+  return kExitDone;
 }
 
 }  // namespace NSTambraCli

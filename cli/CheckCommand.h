@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/Command.h"
+#include "cli/CheckRun.h"
 
 namespace NSTambraCli {
 
@@ -11,8 +11,12 @@ class CCheckCommand : public ICommand {
   int Run(const CGlobalOptions& options) override;
 
  private:
-  std::string fInput;
-  unsigned fJobs = 0;
+  int Explain(const CGlobalOptions& options) const;
+
+  CCheckOptions fCheck;
+  std::string fFailOn = "error";
+  std::string fExplain;
+  bool fList = false;
 };
 
 }  // namespace NSTambraCli

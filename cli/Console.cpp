@@ -30,16 +30,18 @@ bool IsSet(const char* variable) {
   return value != nullptr && *value != '\0';
 }
 
-bool HasColours() {
+bool HasColours(EStandardStream stream) {
   const char* const terminal = std::getenv("TERM");
   const bool isDumb = terminal != nullptr && std::string_view(terminal) == "dumb";
-  return IsTerminal(EStandardStream::kOutput) && !isDumb && !IsSet("NO_COLOR");
+  return IsTerminal(stream) && !isDumb && !IsSet("NO_COLOR");
 }
 
 const char* ColourCode(EColour colour) {
   switch (colour) {
     case EColour::kBold:
       return "1";
+    case EColour::kDim:
+      return "2";
     case EColour::kRed:
       return "31";
     case EColour::kGreen:
@@ -48,6 +50,10 @@ const char* ColourCode(EColour colour) {
       return "33";
   }
   return "0";
+}
+
+std::string Paint(const std::string& text, EColour colour) {
+  return "\x1B[" + std::string(ColourCode(colour)) + "m" + text + "\x1B[0m";
 }
 
 void WriteLine(std::FILE* stream, std::string_view line) {
@@ -77,13 +83,20 @@ std::size_t PaddingOf(const std::string& text, std::size_t width) {
 
 }  // namespace
 
-CConsole::CConsole(bool json, bool quiet) : fJson(json), fQuiet(quiet), fHasColours(HasColours()) {}
+CConsole::CConsole(bool json, bool quiet)
+    : fJson(json),
+      fQuiet(quiet),
+      fHasColours(HasColours(EStandardStream::kOutput)),
+      fHasNoteColours(HasColours(EStandardStream::kError)) {}
 
 void CConsole::Print(std::string_view line) const { WriteLine(stdout, line); }
 
 std::string CConsole::Painted(const std::string& text, EColour colour) const {
-  if (!fHasColours) return text;
-  return "\x1B[" + std::string(ColourCode(colour)) + "m" + text + "\x1B[0m";
+  return fHasColours ? Paint(text, colour) : text;
+}
+
+std::string CConsole::PaintedNote(const std::string& text, EColour colour) const {
+  return fHasNoteColours ? Paint(text, colour) : text;
 }
 
 void CConsole::PrintJson(const CJson& value) const {

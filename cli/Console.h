@@ -17,7 +17,7 @@ class XOutputClosed : public NSMordel::XWrite {
   using XWrite::XWrite;
 };
 
-enum class EColour { kBold, kRed, kGreen, kYellow };
+enum class EColour { kBold, kDim, kRed, kGreen, kYellow };
 
 /// Where the program's output goes: data to standard output, everything else to standard error.
 /// Text from files can hold anything; Printable makes it harmless for a terminal.
@@ -35,6 +35,8 @@ class CConsole {
   /// The text in a colour, when standard output is a terminal that has them and NO_COLOR is not set
   /// in the environment.
   std::string Painted(const std::string& text, EColour colour) const;
+  /// As Painted, for a line on standard error, when that is such a terminal.
+  std::string PaintedNote(const std::string& text, EColour colour) const;
   /// One JSON value on a line of its own, written at once.
   void PrintJson(const CJson& value) const;
   void Flush() const;
@@ -47,6 +49,7 @@ class CConsole {
   bool fJson;
   bool fQuiet;
   bool fHasColours;
+  bool fHasNoteColours;
 };
 
 using NSTambraPacking::Printable;

@@ -162,7 +162,9 @@ void CConsoleAlertPresenter::Report(CAlertNumber number, const CAlertText& alert
     if (alert.Answer(index) == *answer) label = alert.fButtons[index];
   }
   if (!fConsole.Json()) {
-    const std::string lines = MessageLines(alert);
+    std::string lines = MessageLines(alert);
+    if (alert.fKind == EAlertKind::kStop) lines = fConsole.PaintedNote(lines, EColour::kRed);
+    if (alert.fKind == EAlertKind::kWarn) lines = fConsole.PaintedNote(lines, EColour::kYellow);
     fConsole.Warn(label.empty() ? lines : lines + "\n[" + Printable(label) + "]");
     return;
   }

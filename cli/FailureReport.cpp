@@ -24,7 +24,7 @@ bool ReportDetail(const CConsole& console, const NSTambraPacking::CTextResources
     console.PrintJson(event);
     return true;
   }
-  console.Warn(Printable(detail.Line(texts)));
+  console.Warn(console.PaintedNote(Printable(detail.Line(texts)), EColour::kRed));
   return true;
 }
 

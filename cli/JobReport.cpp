@@ -124,8 +124,9 @@ void NoteReasons(const CConsole& console, const CTextResources& texts, const CPa
                          {"file", Utf8FromText(entry.fFile.fPath)},
                          {"message", entry.fReason}});
     } else {
-      console.Note(Printable(texts.Text(
-          kFailureDetail, {entry.fFile.fPath, NSTolbrook::TextFromUtf8(entry.fReason)})));
+      const std::u16string line =
+          texts.Text(kFailureDetail, {entry.fFile.fPath, NSTolbrook::TextFromUtf8(entry.fReason)});
+      console.Note(console.PaintedNote(Printable(line), EColour::kYellow));
     }
   }
 }
@@ -138,7 +139,8 @@ void NoteRemarks(const CConsole& console, const CTextResources& texts, const CPa
         console.PrintJson(
             {{"event", "remark"}, {"kind", name}, {"file", Utf8FromText(entry.fFile.fPath)}});
       } else {
-        console.Note(Printable(texts.Text(number, {entry.fFile.fPath})));
+        const std::string line = Printable(texts.Text(number, {entry.fFile.fPath}));
+        console.Note(console.PaintedNote(line, EColour::kDim));
       }
     }
   }

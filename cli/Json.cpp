@@ -44,6 +44,8 @@ void AppendEscaped(std::string& text, char character) {
 
 }  // namespace
 
+std::string CJson::NumberText(double value) { return fmt::format("{}", value); }
+
 CJson::CJson(std::string_view text) {
   const std::string valid = NSTolbrook::Utf8FromText(NSTolbrook::TextFromUtf8(text));
   fText.reserve(valid.size() + 2);

@@ -22,6 +22,8 @@ class CJson {
   template <class Number>
   requires std::is_enum_v<Number> CJson(Number value)
       : fText(std::to_string(static_cast<long long>(value))) {}
+  /// A finite number.
+  CJson(std::same_as<double> auto value) : fText(NumberText(value)) {}
   /// A text in UTF-8; what is not valid becomes U+FFFD.
   CJson(std::string_view text);
   CJson(const std::string& text) : CJson(std::string_view(text)) {}
@@ -40,6 +42,7 @@ class CJson {
   const std::string& Text() const { return fText; }
 
  private:
+  static std::string NumberText(double value);
   /// Puts a piece before the closing bracket, behind a comma where something stands there.
   void Insert(const std::string& piece);
 

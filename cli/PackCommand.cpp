@@ -1,13 +1,16 @@
 #include "cli/PackCommand.h"
 
 #include <algorithm>
+#include <chrono>
 #include <thread>
 
 #include "Parts/TolbrookPackage/Core/Exception.h"
 #include "Parts/TolbrookPackage/Core/Text.h"
 
+#include "cli/CheckRun.h"
 #include "cli/JobReport.h"
 #include "cli/JobSession.h"
+#include "cli/PackSummaryReport.h"
 
 namespace NSTambraCli {
 
@@ -89,6 +92,7 @@ CLI::App* CPackCommand::Register(CLI::App& program) {
       ->type_name(kAnswerValue)
       ->check(FaultOfAnswer)
       ->allow_extra_args(false);
+  command->add_flag("--dry-run", fDryRun, "Only check the folder, as \"tambra check\" does");
   command->add_flag("--yes", fYes, "Go on wherever the packer would ask");
   AddJobsOption(*command, fJobs, "Threads that verify and pack (default: all cores)");
   command->add_flag("--no-cache", fNoCache,
@@ -114,6 +118,8 @@ std::unique_ptr<NSTambraPacking::CPackCache> CPackCommand::MakeCache() const {
 }
 
 int CPackCommand::Run(const CGlobalOptions& options) {
+  if (fDryRun) return RunCheck(options, {.fInput = fInput, .fJobs = fJobs});
+  const auto start = std::chrono::steady_clock::now();
   CJobSession::COptions sessionOptions;
   for (const std::string& answer : fAnswers) AddAnswer(sessionOptions.fAnswers, answer);
   const NSTambraPacking::CTextResources texts = LoadTexts(options);
@@ -144,6 +150,8 @@ int CPackCommand::Run(const CGlobalOptions& options) {
   if (const auto* const state = session.Packer().State()) {
     NoteReasons(session.Console(), session.Texts(), *state);
     NoteRemarks(session.Console(), session.Texts(), *state);
+    const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
+    if (ending != nullptr) NoteSummary(session.Console(), session.Texts(), *state, time.count());
   }
   if (cache != nullptr) NoteCache(session.Console(), session.Texts(), *cache);
   ReportFiles(session, ending == nullptr ? StatusName(status) : ending, status);

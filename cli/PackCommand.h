@@ -22,6 +22,7 @@ class CPackCommand : public ICommand {
   bool fWarnForExternal = false;
   bool fReplace = false;
   bool fYes = false;
+  bool fDryRun = false;
   unsigned fJobs = 0;
   bool fNoCache = false;
   CCacheLimit fCacheLimit;
