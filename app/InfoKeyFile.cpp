@@ -2,43 +2,51 @@
 
 namespace NSTambraPacking {
 
-std::vector<std::pair<std::u16string, std::u16string>> ParseInfoKeyFile(std::u16string_view text) {
+std::vector<CInfoValuePlace> FindInfoValues(std::u16string_view text) {
   enum class EState { kBetweenPairs, kInKey, kAfterKey, kInValue };
 
-  std::vector<std::pair<std::u16string, std::u16string>> pairs;
+  std::vector<CInfoValuePlace> places;
   EState state = EState::kBetweenPairs;
-  std::u16string key;
-  std::u16string value;
-  for (const char16_t unit : text) {
-    const bool isLineEnd = unit == u'\r' || unit == u'\n';
+  CInfoValuePlace place;
+  for (std::size_t index = 0; index < text.size(); ++index) {
+    const char16_t unit = text[index];
     switch (state) {
       case EState::kBetweenPairs:
-        if (isLineEnd || unit == u' ' || unit == u'\t') break;
-        key = unit;
+        if (unit == u'\r' || unit == u'\n' || unit == u' ' || unit == u'\t') break;
+        place.fKey = unit;
         state = EState::kInKey;
         break;
       case EState::kInKey:
-        if (isLineEnd || unit == u' ' || unit == u'=') {
+        if (unit == u'\r' || unit == u'\n' || unit == u' ' || unit == u'=') {
           state = EState::kAfterKey;
         } else {
-          key += unit;
+          place.fKey += unit;
         }
         break;
       case EState::kAfterKey:
         if (unit == u'"') {
-          value.clear();
+          place.fBegin = index + 1;
           state = EState::kInValue;
         }
         break;
       case EState::kInValue:
         if (unit == u'"') {
-          pairs.emplace_back(key, value);
+          place.fEnd = index;
+          places.push_back(place);
           state = EState::kBetweenPairs;
-        } else if (!isLineEnd) {
-          value += unit;
         }
         break;
     }
+  }
+  return places;
+}
+
+std::vector<std::pair<std::u16string, std::u16string>> ParseInfoKeyFile(std::u16string_view text) {
+  std::vector<std::pair<std::u16string, std::u16string>> pairs;
+  for (CInfoValuePlace& place : FindInfoValues(text)) {
+    std::u16string value(text.substr(place.fBegin, place.fEnd - place.fBegin));
+    std::erase_if(value, [](char16_t unit) { return unit == u'\r' || unit == u'\n'; });
+    pairs.emplace_back(std::move(place.fKey), std::move(value));
   }
   return pairs;
 }

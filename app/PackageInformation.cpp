@@ -20,16 +20,7 @@ constexpr std::u16string_view kNamelessFile = u"output.tmb";
 /// The longest file name of common file systems, in UTF-8 bytes or UTF-16 units.
 constexpr std::size_t kLongestFileName = 255;
 
-constexpr std::u16string_view kKeyFile = u"INFO.TXT";
-
-/// A text that has a file and a key of its own.
-struct CTextSource {
-  std::u16string_view fFile;
-  std::u16string_view fKey;
-  std::u16string CPackageInformation::*fText;
-};
-
-constexpr std::array<CTextSource, 5> kTexts{{
+constexpr std::array<CInformationSource, 5> kTexts{{
     {u"NAME.TXT", u"NAME", &CPackageInformation::fName},
     {u"URL.TXT", u"URL", &CPackageInformation::fURL},
     {u"COMMENTS.TXT", u"COMMENTS", &CPackageInformation::fComments},
@@ -67,7 +58,7 @@ std::vector<std::u16string> ReadList(std::u16string_view text) {
 }
 
 void TakeKey(const std::u16string& key, const std::u16string& value, CPackageTexts& texts) {
-  for (const CTextSource& text : kTexts) {
+  for (const CInformationSource& text : kTexts) {
     if (key == text.fKey) texts.fInformation.*text.fText = value;
   }
   for (const auto& [name, flag] : kFlags) {
@@ -149,18 +140,20 @@ bool CSkipItems::Hold(std::u16string_view path) const {
   return false;
 }
 
+std::span<const CInformationSource> InformationSources() { return kTexts; }
+
 bool IsInformationFile(std::u16string_view name) {
-  return HasName(name, kKeyFile) ||
+  return HasName(name, kInformationKeyFile) ||
          std::any_of(kTexts.begin(), kTexts.end(),
-                     [name](const CTextSource& text) { return HasName(name, text.fFile); });
+                     [name](const CInformationSource& text) { return HasName(name, text.fFile); });
 }
 
 CPackageTexts ReadPackageTexts(const std::vector<CInformationFile>& files) {
   CPackageTexts texts;
-  for (const auto& [key, value] : ParseInfoKeyFile(TextOf(files, kKeyFile))) {
+  for (const auto& [key, value] : ParseInfoKeyFile(TextOf(files, kInformationKeyFile))) {
     TakeKey(key, value, texts);
   }
-  for (const CTextSource& source : kTexts) {
+  for (const CInformationSource& source : kTexts) {
     const std::u16string text = TextOf(files, source.fFile);
     const std::u16string_view trimmed = TrimInformationText(text);
     if (!trimmed.empty()) texts.fInformation.*source.fText = trimmed;

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <set>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,6 +33,7 @@ class CSkipItems {
   /// True when the file or folder at `path` (components joined with "/") is one of the items or
   /// lies inside one; case is ignored.
   bool Hold(std::u16string_view path) const;
+  bool IsEmpty() const { return fKeys.empty(); }
 
  private:
   std::set<std::u16string> fKeys;
@@ -58,6 +60,17 @@ struct CPackageTexts {
   CPackageInformation fInformation;
   CPackOptions fOptions;
 };
+
+/// A text of the package, the file of its own that it can stand in and its key in the key file.
+struct CInformationSource {
+  std::u16string_view fFile;
+  std::u16string_view fKey;
+  std::u16string CPackageInformation::*fText;
+};
+
+inline constexpr std::u16string_view kInformationKeyFile = u"INFO.TXT";
+
+std::span<const CInformationSource> InformationSources();
 
 /// True for the names of information files ("INFO.TXT" and so on), in any case.
 bool IsInformationFile(std::u16string_view name);

@@ -126,6 +126,17 @@ inline constexpr CStringNumber kLoopForward{128, 401};
 inline constexpr CStringNumber kLoopAlternating{128, 402};
 inline constexpr CStringNumber kLoopOther{128, 403};
 
+// A look at a folder
+inline constexpr CStringNumber kLookInformationFile{128, 600};
+inline constexpr CStringNumber kLookUnknownType{128, 601};
+inline constexpr CStringNumber kLookFailed{128, 602};
+inline constexpr CStringNumber kLookUnresolved{128, 603};
+inline constexpr CStringNumber kLookExternal{128, 604};
+inline constexpr CStringNumber kLookProhibited{128, 605};
+inline constexpr CStringNumber kLookUnreferenced{128, 606};
+/// Of the first reason to leave a file out, those of the others follow it.
+inline constexpr CStringNumber kFirstLookLeftOut{128, 610};
+
 // Advice of a check
 inline constexpr CStringNumber kAdviceStageLine{128, 700};
 inline constexpr CStringNumber kAdviceItemLine{128, 701};

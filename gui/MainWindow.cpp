@@ -1,11 +1,417 @@
 #include "gui/MainWindow.h"
 
+#include <QCloseEvent>
+#include <QDesktopServices>
+#include <QFileDialog>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QSettings>
+#include <QSystemTrayIcon>
+#include <QVBoxLayout>
+
+#include "Parts/TolbrookPackage/Core/Exception.h"
+
+#include "app/ExceptionAlerts.h"
+#include "app/InformationEditor.h"
+#include "gui/AboutDialog.h"
+#include "gui/AlertDialog.h"
 #include "gui/QtText.h"
+#include "gui/SplashFile.h"
+#include "gui/WindowTexts.h"
+#include "gui/package/PackageListing.h"
+#include "gui/package/PackageWindow.h"
+#include "package/SplashCheck.h"
 
 namespace NSTambraGui {
 
-CMainWindow::CMainWindow(const NSTambraPacking::CTextResources& texts) : fTexts(texts) {
-  setWindowTitle(ToQt(fTexts.Text(NSTambraPacking::kProgramName)));
+namespace {
+
+using namespace NSTambraPacking;
+
+bool IsPackage(const QString& path) {
+  return path.endsWith(".tmb", Qt::CaseInsensitive) && QFileInfo(path).isFile();
+}
+
+std::u16string Number(qint64 number) { return FromQt(QLocale().toString(number)); }
+
+}  // namespace
+
+CMainDialogs CMainDialogs::OfTheDesktop() {
+  return {[](QWidget* parent, const QString& title, const QString& start) {
+            return QFileDialog::getExistingDirectory(parent, title, start);
+          },
+          [](QWidget* parent, const QString& title, const QString& filter) {
+            return QFileDialog::getOpenFileName(parent, title, {}, filter);
+          },
+          [](const QUrl& address) { QDesktopServices::openUrl(address); }};
+}
+
+CMainWindow::CMainWindow(const CTextResources& texts, CMainDialogs dialogs)
+    : fTexts(texts), fDialogs(std::move(dialogs)), fWatch(texts, nullptr) {
+  setWindowTitle(Text(kProgramName));
+  setAcceptDrops(true);
+  BuildContent();
+  BuildMenus();
+  Connect();
+  RestoreState();
+  UpdateState();
+}
+
+CMainWindow::~CMainWindow() = default;
+
+void CMainWindow::BuildMenus() {
+  QStringList titles;
+  for (const CMenu& menu : fTexts.Menus().Menus()) {
+    if (menu.fId != kContactsMenu) titles += ToQt(menu.fTitle);
+  }
+  titles = WithMnemonics(titles);
+  for (const CMenu& menu : fTexts.Menus().Menus()) {
+    if (menu.fId == kContactsMenu) continue;  // of the dialog that tells about the program
+    menuBar()->addMenu(BuildMenu(menu, titles.takeFirst(), *this, fCommands));
+  }
+  const std::pair<int, std::function<void()>> commands[] = {
+      {kCommandInputFolder, [this] { ChooseInput(); }},
+      {kCommandOutputFolder, [this] { ChooseOutput(); }},
+      {kCommandCreate, [this] { Create(); }},
+      {kCommandOpen, [this] { ChoosePackage(); }},
+      {kCommandSaveInformation, [this] { SaveInformation(); }},
+      {kCommandExit, [this] { close(); }},
+      {kCommandAbout, [this] { About(); }},
+      {kCommandHomePage, [this] { OpenAddress(kHomePageAddress); }},
+      {kCommandSupportPage, [this] { OpenAddress(kSupportPageAddress); }},
+  };
+  for (const auto& [number, slot] : commands) {
+    connect(fCommands.at(number), &QAction::triggered, this, slot);
+  }
+}
+
+void CMainWindow::BuildContent() {
+  auto* const center = new QWidget;
+  auto* const column = new QVBoxLayout(center);
+  column->setSpacing(10);
+  fInformation = new CInformationPanel(fTexts, center);
+  fContents = new CContentsPanel(fTexts, center);
+  column->addWidget(BuildFolders());
+  column->addWidget(fInformation);
+  column->addWidget(fContents, 1);
+  column->addWidget(BuildFoot());
+  setCentralWidget(center);
+}
+
+QWidget* CMainWindow::BuildFolders() {
+  auto* const box = new QWidget;
+  auto* const column = new QVBoxLayout(box);
+  column->setContentsMargins(0, 0, 0, 0);
+  const QStringList labels = WithMnemonics({Text(kTextInputFolder), Text(kTextOutputFolder)});
+  const auto make = [&](const QString& label) {
+    auto* const chooser =
+        new CFolderChooser({label, Text(kTextChoose), Text(kTextDropFolder)}, box);
+    column->addWidget(chooser);
+    return chooser;
+  };
+  fInput = make(labels[0]);
+  fOutput = make(labels[1]);
+  const int width = qMax(fInput->LabelWidth(), fOutput->LabelWidth());
+  fInput->SetLabelWidth(width);
+  fOutput->SetLabelWidth(width);
+  return box;
+}
+
+QWidget* CMainWindow::BuildFoot() {
+  auto* const box = new QWidget;
+  auto* const row = new QHBoxLayout(box);
+  row->setContentsMargins(0, 0, 0, 0);
+  auto* const column = new QVBoxLayout;
+  fState = new QLabel;
+  fOutputName = new QLabel;
+  fState->setAccessibleName(Text(kTextProgress));
+  fOutputName->setAccessibleName(Text(kTextOutputFolder));
+  for (QLabel* const label : {fState, fOutputName}) {
+    label->setTextFormat(Qt::PlainText);
+    column->addWidget(label);
+  }
+  QFont bold = fState->font();
+  bold.setBold(true);
+  fState->setFont(bold);
+  fCreateTambraButton = new QPushButton;
+  fCreateTambraButton->setDefault(true);
+  fCreateTambraButton->setMinimumHeight(fCreateTambraButton->sizeHint().height() * 3 / 2);
+  row->addLayout(column, 1);
+  row->addWidget(fCreateTambraButton);
+  return box;
+}
+
+void CMainWindow::Connect() {
+  QAction* const create = fCommands.at(kCommandCreate);
+  fCreateTambraButton->setText(create->text());
+  fCreateTambraButton->setMinimumWidth(fCreateTambraButton->sizeHint().width() + 24);
+  connect(fCreateTambraButton, &QPushButton::clicked, create, &QAction::trigger);
+  connect(fInput, &CFolderChooser::Asked, this, &CMainWindow::ChooseInput);
+  connect(fInput, &CFolderChooser::Chosen, this, &CMainWindow::SetInput);
+  connect(fOutput, &CFolderChooser::Asked, this, &CMainWindow::ChooseOutput);
+  connect(fOutput, &CFolderChooser::Chosen, this, &CMainWindow::SetOutput);
+  connect(fInformation, &CInformationPanel::Edited, this, &CMainWindow::UpdateState);
+  connect(fInformation, &CInformationPanel::SaveAsked, this, &CMainWindow::SaveInformation);
+  connect(fInformation, &CInformationPanel::SplashAsked, this, &CMainWindow::ChooseSplash);
+  connect(&fInformation->Splash(), &CSplashView::Dropped, this, &CMainWindow::TakeSplash);
+  connect(&fWatch, &CFolderWatch::Listed, this, &CMainWindow::ShowListed);
+  connect(&fWatch, &CFolderWatch::Checked, this, &CMainWindow::ShowChecked);
+}
+
+void CMainWindow::RestoreState() {
+  const QSettings settings;
+  resize(880, 680);
+  restoreGeometry(settings.value("main/geometry").toByteArray());
+  fInput->SetRecent(settings.value("main/inputFolders").toStringList());
+  fOutput->SetRecent(settings.value("main/outputFolders").toStringList());
+  fCommands.at(kCommandWarnExternal)->setChecked(settings.value("main/warnExternal").toBool());
+  const QString input = settings.value("main/inputFolder").toString();
+  const QString output = settings.value("main/outputFolder").toString();
+  if (QFileInfo(output).isDir()) SetOutput(output);
+  if (QFileInfo(input).isDir()) SetInput(input);
+}
+
+void CMainWindow::SaveState() const {
+  QSettings settings;
+  settings.setValue("main/geometry", saveGeometry());
+  settings.setValue("main/inputFolders", fInput->Recent());
+  settings.setValue("main/outputFolders", fOutput->Recent());
+  settings.setValue("main/inputFolder", fInput->Folder());
+  settings.setValue("main/outputFolder", fOutput->Folder());
+  settings.setValue("main/warnExternal", fCommands.at(kCommandWarnExternal)->isChecked());
+}
+
+void CMainWindow::Open(const QString& path) {
+  if (QFileInfo(path).isDir()) {
+    SetInput(path);
+  } else {
+    OpenPackageWindow(fTexts, path);
+  }
+}
+
+void CMainWindow::ChooseInput() {
+  const QString folder = fDialogs.fChooseFolder(this, Text(kTextChooseInput), fInput->Folder());
+  if (!folder.isEmpty()) SetInput(folder);
+}
+
+void CMainWindow::ChooseOutput() {
+  const QString folder = fDialogs.fChooseFolder(this, Text(kTextChooseOutput), fOutput->Folder());
+  if (!folder.isEmpty()) SetOutput(folder);
+}
+
+void CMainWindow::ChoosePackage() {
+  const QString path = fDialogs.fChooseFile(this, Text(kTextOpenTambra), Text(kTextTambras));
+  if (!path.isEmpty()) OpenPackageWindow(fTexts, path);
+}
+
+void CMainWindow::ChooseSplash() {
+  const QString path = fDialogs.fChooseFile(this, Text(kTextSplash), Text(kTextPictures));
+  if (!path.isEmpty()) TakeSplash(path);
+}
+
+void CMainWindow::SetInput(const QString& folder) {
+  if (IsPacking() || !LeaveInformation()) {
+    fInput->SetFolder(fInput->Folder());
+    return;
+  }
+  fInput->SetFolder(folder);
+  fLook = {};
+  fIsListed = false;
+  fInformation->Show({});
+  fContents->Show(fLook);
+  ShowSplash();
+  fWatch.SetFolder(fInput->Folder());
+  UpdateState();
+}
+
+void CMainWindow::SetOutput(const QString& folder) {
+  if (!IsPacking()) fOutput->SetFolder(folder);
+  UpdateState();
+}
+
+void CMainWindow::ShowListed(const CFolderLook& look) {
+  fLook = look;
+  fIsListed = true;
+  fInformation->Show(look.fTexts);
+  fContents->Show(look);
+  ShowSplash();
+  UpdateState();
+}
+
+void CMainWindow::ShowChecked(const CFolderLook& look) {
+  fLook = look;
+  fIsListed = true;
+  fContents->Show(look);
+  UpdateState();
+}
+
+void CMainWindow::ShowSplash() {
+  const QString folder = fInput->Folder();
+  fInformation->Splash().Show(folder.isEmpty() ? QImage() : ReadPicture(SplashPath(folder)));
+}
+
+void CMainWindow::Create() {
+  if (IsPacking() || !LeaveInformation()) return;
+  fWatch.SetPaused(true);
+  CPackSettings settings;
+  settings.fInputFolder = NSTolbrook::CFileItem(PathFromQt(fInput->Folder()));
+  settings.fOutputFolder = NSTolbrook::CFileItem(PathFromQt(fOutput->Folder()));
+  fRun = std::make_unique<CPackRun>(fTexts, settings,
+                                    fCommands.at(kCommandWarnExternal)->isChecked(), *this);
+  connect(fRun.get(), &CPackRun::Ended, this, &CMainWindow::EndRun, Qt::QueuedConnection);
+  fProgress = std::make_unique<CProgressDialog>(fTexts, *fRun, this);
+  UpdateState();
+  fProgress->show();
+  fRun->Start();
+}
+
+void CMainWindow::EndRun() {
+  fProgress->Finish();
+  const std::unique_ptr<CProgressDialog> progress = std::move(fProgress);
+  const std::unique_ptr<CPackRun> run = std::move(fRun);
+  const bool isPacked = run->Ending() && *run->Ending() != EPackEnding::kProblems;
+  Notify(Text(isPacked ? kTextPacked : kTextNotPacked));
+  if (run->WantsLog() && run->LogFile()) {
+    fDialogs.fOpenAddress(QUrl::fromLocalFile(PathToQt(*run->LogFile())));
+  }
+  fWatch.SetPaused(false);
+  UpdateState();
+}
+
+void CMainWindow::Notify(const QString& message) {
+  if (isActiveWindow()) return;
+  QApplication::alert(this);
+  if (!QSystemTrayIcon::isSystemTrayAvailable()) return;
+  auto* const tray = new QSystemTrayIcon(windowIcon(), this);
+  tray->show();
+  tray->showMessage(windowTitle(), message, windowIcon());
+  QTimer::singleShot(10'000, tray, &QObject::deleteLater);
+}
+
+void CMainWindow::About() {
+  QMenu* const contacts =
+      BuildMenu(fTexts.Menus().Menu(kContactsMenu), Text(kTextContacts), *this, fCommands);
+  CAboutDialog(fTexts, contacts, this).exec();
+}
+
+void CMainWindow::OpenAddress(CStringNumber number) { fDialogs.fOpenAddress(QUrl(Text(number))); }
+
+bool CMainWindow::SaveInformation() {
+  try {
+    NSTambraPacking::SaveInformation(PathFromQt(fInput->Folder()), fInformation->Wanted());
+  } catch (...) {
+    ShowFailure(std::current_exception());
+    return false;
+  }
+  fLook.fTexts.fInformation = fInformation->Wanted();
+  fInformation->Show(fLook.fTexts);
+  fInformation->Revert();
+  fWatch.LookAgain();
+  return true;
+}
+
+bool CMainWindow::LeaveInformation() {
+  if (!fInformation->IsEdited()) return true;
+  const int answer =
+      ShowAlertDialog(fTexts, kAlertSaveInformation, {FromQt(fInput->Folder())}, this);
+  if (answer == kLastButton) return SaveInformation();
+  if (answer != kButtonBefore) return false;
+  fInformation->Revert();
+  return true;
+}
+
+void CMainWindow::TakeSplash(const QString& path) {
+  if (fInput->Folder().isEmpty() || IsPacking()) return;
+  const QImage picture = ReadPicture(path);
+  if (picture.isNull()) {
+    ShowAlertDialog(fTexts, kAlertNoPicture, {FromQt(QFileInfo(path).fileName())}, this);
+    return;
+  }
+  const QString target = SplashPath(fInput->Folder());
+  const std::u16string edge = Number(kSplashEdge);
+  const int answer = ShowAlertDialog(fTexts, kAlertScaleSplash,
+                                     {Number(picture.width()), Number(picture.height()), edge, edge,
+                                      FromQt(QFileInfo(target).fileName())},
+                                     this);
+  if (answer != kLastButton) return;
+  try {
+    SaveSplash(fInput->Folder(), picture);
+  } catch (...) {
+    ShowFailure(std::current_exception());
+  }
+  ShowSplash();
+  fWatch.LookAgain();
+}
+
+void CMainWindow::ShowFailure(const std::exception_ptr& failure) {
+  if (const auto choice = ChooseAlert(failure, ESituation::kGeneral, {})) {
+    ShowAlertDialog(fTexts, choice->fNumber, choice->fArguments, this);
+  }
+}
+
+void CMainWindow::UpdateState() {
+  const bool isReady = !fInput->Folder().isEmpty() && !fOutput->Folder().isEmpty() && !IsPacking();
+  fCommands.at(kCommandCreate)->setEnabled(isReady);
+  fCreateTambraButton->setEnabled(isReady);
+  fCommands.at(kCommandSaveInformation)->setEnabled(fInformation->IsEdited());
+  fInformation->setEnabled(!fInput->Folder().isEmpty() && !IsPacking());
+  fState->setText(StateText());
+  fOutputName->setText(Text(kTextOutputName, {FromQt(OutputName())}));
+}
+
+QString CMainWindow::StateText() const {
+  if (fInput->Folder().isEmpty()) return Text(kTextNoInput);
+  if (!fIsListed) return Text(kTextLooking);
+  if (!fLook.fIsChecked) return Text(kTextChecking, {Number(static_cast<qint64>(fLook.fCount))});
+  const auto problems = std::count_if(
+      fLook.fFindings.begin(), fLook.fFindings.end(),
+      [](const CFolderFinding& finding) { return finding.fKind == EFinding::kProblem; });
+  if (problems > 0) return Text(kTextNotReady, {Number(problems)});
+  if (fOutput->Folder().isEmpty()) return Text(kTextNoOutput);
+  return Text(kTextReady,
+              {Number(static_cast<qint64>(fLook.fPackable)), FromQt(SizeText(fLook.fSize))});
+}
+
+QString CMainWindow::OutputName() const {
+  try {
+    return ToQt(fInformation->Wanted().OutputFileName());
+  } catch (const NSMordel::XFormatViolation&) {  // told by the check
+    return ToQt(CPackageInformation().OutputFileName());
+  }
+}
+
+QString CMainWindow::Text(CStringNumber number,
+                          const std::vector<std::u16string>& arguments) const {
+  return ToQt(fTexts.Text(number, arguments));
+}
+
+void CMainWindow::closeEvent(QCloseEvent* event) {
+  if (IsPacking()) {
+    event->ignore();
+    fProgress->reject();
+    return;
+  }
+  if (!LeaveInformation()) {
+    event->ignore();
+    return;
+  }
+  SaveState();
+  QMainWindow::closeEvent(event);
+}
+
+void CMainWindow::changeEvent(QEvent* event) {
+  if (event->type() == QEvent::ActivationChange && isActiveWindow()) fWatch.LookAgain();
+  QMainWindow::changeEvent(event);
+}
+
+void CMainWindow::dragEnterEvent(QDragEnterEvent* event) {
+  const QString path = DraggedPath(*event->mimeData());
+  if (QFileInfo(path).isDir() || IsPackage(path)) event->acceptProposedAction();
+}
+
+void CMainWindow::dropEvent(QDropEvent* event) {
+  event->acceptProposedAction();
+  Open(DraggedPath(*event->mimeData()));
 }
 
 }  // namespace NSTambraGui

@@ -1,21 +1,109 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QPushButton>
+#include <functional>
+#include <memory>
 
 #include "app/TextResources.h"
+#include "gui/ContentsPanel.h"
+#include "gui/FolderChooser.h"
+#include "gui/FolderWatch.h"
+#include "gui/InformationPanel.h"
+#include "gui/MenuBuilder.h"
+#include "gui/PackRun.h"
+#include "gui/ProgressDialog.h"
 
 namespace NSTambraGui {
+
+/// What the main window leaves to the desktop; a test answers in its place.
+struct CMainDialogs {
+  /// Both give an empty text when the user thinks better of it.
+  std::function<QString(QWidget* parent, const QString& title, const QString& start)> fChooseFolder;
+  std::function<QString(QWidget* parent, const QString& title, const QString& filter)> fChooseFile;
+  /// Opens a page, or a file with the program that is meant for it.
+  std::function<void(const QUrl& address)> fOpenAddress;
+
+  static CMainDialogs OfTheDesktop();
+};
 
 /// The window in which a folder is chosen, looked at and packed.
 class CMainWindow : public QMainWindow {
   Q_OBJECT
 
  public:
-  /// The texts must outlive the window.
-  explicit CMainWindow(const NSTambraPacking::CTextResources& texts);
+  /// The texts must outlive the window. Takes up what the last one left in the settings.
+  explicit CMainWindow(const NSTambraPacking::CTextResources& texts,
+                       CMainDialogs dialogs = CMainDialogs::OfTheDesktop());
+  ~CMainWindow() override;
+
+  /// A folder becomes the input folder, a package has a window of its own.
+  void Open(const QString& path);
+
+  /// True while a package is made.
+  bool IsPacking() const { return fRun != nullptr; }
+  bool IsLooking() const { return fWatch.IsLooking(); }
+  QAction* Command(int number) const { return fCommands.at(number); }
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void changeEvent(QEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
 
  private:
+  void BuildMenus();
+  void BuildContent();
+  QWidget* BuildFolders();
+  QWidget* BuildFoot();
+  void Connect();
+  void RestoreState();
+  void SaveState() const;
+
+  void ChooseInput();
+  void ChooseOutput();
+  void ChoosePackage();
+  void ChooseSplash();
+  void SetInput(const QString& folder);
+  void SetOutput(const QString& folder);
+  void ShowListed(const NSTambraPacking::CFolderLook& look);
+  void ShowChecked(const NSTambraPacking::CFolderLook& look);
+  void ShowSplash();
+
+  void Create();
+  void EndRun();
+  void Notify(const QString& message);
+  void About();
+  void OpenAddress(NSTambraPacking::CStringNumber number);
+
+  /// False when the texts could not be saved.
+  bool SaveInformation();
+  /// Asks what becomes of changed texts; false when the user wants to go on with them.
+  bool LeaveInformation();
+  void TakeSplash(const QString& path);
+  void ShowFailure(const std::exception_ptr& failure);
+
+  void UpdateState();
+  QString StateText() const;
+  QString OutputName() const;
+  QString Text(NSTambraPacking::CStringNumber number,
+               const std::vector<std::u16string>& arguments = {}) const;
+
   const NSTambraPacking::CTextResources& fTexts;
+  CMainDialogs fDialogs;
+  CCommands fCommands;
+  CFolderChooser* fInput = nullptr;
+  CFolderChooser* fOutput = nullptr;
+  CInformationPanel* fInformation = nullptr;
+  CContentsPanel* fContents = nullptr;
+  QLabel* fState = nullptr;
+  QLabel* fOutputName = nullptr;
+  QPushButton* fCreateTambraButton = nullptr;
+  CFolderWatch fWatch;
+  NSTambraPacking::CFolderLook fLook;
+  bool fIsListed = false;  ///< fLook is of the chosen folder
+  std::unique_ptr<CPackRun> fRun;
+  std::unique_ptr<CProgressDialog> fProgress;
 };
 
 }  // namespace NSTambraGui

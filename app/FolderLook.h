@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "app/PackJobState.h"
+#include "app/PackageInformation.h"
+#include "app/TextResources.h"
+
+namespace NSTambraPacking {
+
+enum class EFinding {
+  kProblem,  ///< keeps the folder from being packed
+  kLeftOut,  ///< a file that will not be in the package
+  kNote,     ///< goes into the log
+};
+
+/// Something to know about a folder before it is packed.
+struct CFolderFinding {
+  EFinding fKind = EFinding::kProblem;
+  std::u16string fFile;  ///< from the input root; empty when it concerns the folder
+  std::u16string fText;
+  std::vector<std::u16string> fHints;
+};
+
+/// The files of one type.
+struct CTypeCount {
+  std::u16string fName;
+  std::size_t fCount = 0;
+  std::uint64_t fSize = 0;  ///< bytes
+};
+
+/// What is in an input folder.
+struct CFolderLook {
+  CPackageTexts fTexts;
+  std::vector<CTypeCount> fTypes;  ///< by falling size
+  std::size_t fCount = 0;          ///< files of all types
+  std::uint64_t fSize = 0;         ///< bytes of all types
+  std::size_t fPackable = 0;       ///< files that will be packed; only after the check
+  /// From the input root; the ones that hold a file.
+  std::vector<std::u16string> fFolders;
+  /// Changes when a file comes, goes or is written to.
+  std::uint64_t fFingerprint = 0;
+  /// Problems first, then what is left out, then notes; only after the check.
+  std::vector<CFolderFinding> fFindings;
+  bool fIsChecked = false;
+};
+
+/// Who waits for a look; called on the thread that looks.
+struct CFolderLookReport {
+  std::function<bool()> fStopRequested;
+  /// The folder is listed, its files have not been opened. Returns false when that is all that is
+  /// wanted.
+  std::function<bool(const CFolderLook& look)> fListed;
+};
+
+/// Lists the input folder of `settings` and checks it as a run would; questions are taken as
+/// answered by going on. Writes nothing. What is wrong with the folder or with the package's
+/// information is a finding, not a failure. Throws XSilentAbort when it is stopped.
+CFolderLook LookAtFolder(const CTextResources& texts, const CPackSettings& settings,
+                         const CFolderLookReport& report);
+
+}  // namespace NSTambraPacking

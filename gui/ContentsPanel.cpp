@@ -1,0 +1,83 @@
+#include "gui/ContentsPanel.h"
+
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLocale>
+#include <QSplitter>
+#include <QVBoxLayout>
+
+#include "gui/QtText.h"
+#include "gui/WindowTexts.h"
+#include "gui/package/PackageListing.h"
+
+namespace NSTambraGui {
+
+namespace {
+
+using namespace NSTambraPacking;
+
+QGroupBox* Group(const QString& title, QWidget* content) {
+  auto* const group = new QGroupBox(title);
+  auto* const column = new QVBoxLayout(group);
+  column->addWidget(content);
+  return group;
+}
+
+}  // namespace
+
+CContentsPanel::CContentsPanel(const CTextResources& texts, QWidget* parent)
+    : QWidget(parent),
+      fTexts(texts),
+      fTypes(new QTreeWidget),
+      fFindings(new QTreeView),
+      fModel(new CFindingsModel(texts, this)) {
+  BuildTypes();
+  BuildFindings();
+  auto* const splitter = new QSplitter;
+  splitter->addWidget(Group(Text(kTextContents), fTypes));
+  splitter->addWidget(Group(Text(kTextFindings), fFindings));
+  splitter->setStretchFactor(0, 2);
+  splitter->setStretchFactor(1, 3);
+  splitter->setChildrenCollapsible(false);
+  auto* const row = new QHBoxLayout(this);
+  row->setContentsMargins(0, 0, 0, 0);
+  row->addWidget(splitter);
+}
+
+void CContentsPanel::BuildTypes() {
+  fTypes->setHeaderLabels({Text(kTextType), Text(kTextFiles), Text(kTextSize)});
+  fTypes->setRootIsDecorated(false);
+  fTypes->setUniformRowHeights(true);
+  fTypes->setAccessibleName(Text(kTextContents));
+  fTypes->header()->setStretchLastSection(false);
+  fTypes->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+  fTypes->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+  fTypes->headerItem()->setTextAlignment(1, Qt::AlignRight);
+  fTypes->headerItem()->setTextAlignment(2, Qt::AlignRight);
+}
+
+void CContentsPanel::BuildFindings() {
+  fFindings->setModel(fModel);
+  fFindings->setRootIsDecorated(false);
+  fFindings->setUniformRowHeights(true);
+  fFindings->setTextElideMode(Qt::ElideMiddle);
+  fFindings->setAccessibleName(Text(kTextFindings));
+  fFindings->header()->resizeSection(0, fFindings->fontMetrics().averageCharWidth() * 14);
+  fFindings->header()->resizeSection(1, fFindings->fontMetrics().averageCharWidth() * 28);
+}
+
+void CContentsPanel::Show(const CFolderLook& look) {
+  fTypes->clear();
+  for (const CTypeCount& type : look.fTypes) {
+    auto* const item = new QTreeWidgetItem(
+        fTypes, {ToQt(type.fName), QLocale().toString(static_cast<qulonglong>(type.fCount)),
+                 SizeText(type.fSize)});
+    item->setTextAlignment(1, Qt::AlignRight);
+    item->setTextAlignment(2, Qt::AlignRight);
+  }
+  fModel->SetFindings(look.fFindings);
+}
+
+QString CContentsPanel::Text(CStringNumber number) const { return ToQt(fTexts.Text(number)); }
+
+}  // namespace NSTambraGui

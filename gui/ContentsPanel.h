@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QGroupBox>
+#include <QLabel>
+#include <QTableView>
+#include <QTreeWidget>
+
+#include "app/FolderLook.h"
+#include "app/TextResources.h"
+#include "gui/FindingsModel.h"
+
+namespace NSTambraGui {
+
+/// What is in the input folder: its files by type, and what was found in them.
+class CContentsPanel : public QWidget {
+  Q_OBJECT
+
+ public:
+  /// The texts must outlive the panel.
+  CContentsPanel(const NSTambraPacking::CTextResources& texts, QWidget* parent);
+
+  void Show(const NSTambraPacking::CFolderLook& look);
+
+ private:
+  void BuildTypes();
+  void BuildFindings();
+  QString Text(NSTambraPacking::CStringNumber number) const;
+
+  const NSTambraPacking::CTextResources& fTexts;
+  QTreeWidget* fTypes;
+  QTreeView* fFindings;
+  CFindingsModel* fModel;
+};
+
+}  // namespace NSTambraGui

@@ -1,0 +1,73 @@
+#include "gui/FindingsModel.h"
+
+#include <QApplication>
+#include <QStyle>
+
+#include "gui/QtText.h"
+#include "gui/WindowTexts.h"
+
+namespace NSTambraGui {
+
+namespace {
+
+using namespace NSTambraPacking;
+
+enum EColumn { kKind, kFile, kFinding, kColumns };
+
+QStyle::StandardPixmap IconOf(EFinding kind) {
+  if (kind == EFinding::kProblem) return QStyle::SP_MessageBoxCritical;
+  return kind == EFinding::kLeftOut ? QStyle::SP_MessageBoxWarning
+                                    : QStyle::SP_MessageBoxInformation;
+}
+
+}  // namespace
+
+CFindingsModel::CFindingsModel(const CTextResources& texts, QObject* parent)
+    : QAbstractTableModel(parent), fTexts(texts) {}
+
+void CFindingsModel::SetFindings(std::vector<CFolderFinding> findings) {
+  beginResetModel();
+  fFindings = std::move(findings);
+  endResetModel();
+}
+
+int CFindingsModel::rowCount(const QModelIndex& parent) const {
+  return parent.isValid() ? 0 : static_cast<int>(fFindings.size());
+}
+
+int CFindingsModel::columnCount(const QModelIndex& parent) const {
+  return parent.isValid() ? 0 : int{kColumns};
+}
+
+QVariant CFindingsModel::data(const QModelIndex& index, int role) const {
+  const CFolderFinding& finding = fFindings[static_cast<std::size_t>(index.row())];
+  if (role == Qt::DecorationRole && index.column() == kKind) {
+    return QApplication::style()->standardIcon(IconOf(finding.fKind));
+  }
+  if (role == Qt::DisplayRole || role == Qt::ToolTipRole || role == Qt::AccessibleTextRole) {
+    return CellText(finding, index.column());
+  }
+  return {};
+}
+
+QString CFindingsModel::CellText(const CFolderFinding& finding, int column) const {
+  if (column == kKind) return KindText(finding.fKind);
+  if (column == kFile) {
+    return finding.fFile.empty() ? ToQt(fTexts.Text(kTextWholeFolder)) : ToQt(finding.fFile);
+  }
+  QString text = ToQt(finding.fText);
+  for (const std::u16string& hint : finding.fHints) text += " – " + ToQt(hint);
+  return text.replace('\n', ' ');
+}
+
+QString CFindingsModel::KindText(EFinding kind) const {
+  return ToQt(fTexts.Text({kTextFirstKind.fTable, kTextFirstKind.fEntry + static_cast<int>(kind)}));
+}
+
+QVariant CFindingsModel::headerData(int section, Qt::Orientation orientation, int role) const {
+  if (orientation != Qt::Horizontal || role != Qt::DisplayRole) return {};
+  if (section == kKind) return QString();
+  return ToQt(fTexts.Text(section == kFile ? kTextFile : kTextFinding));
+}
+
+}  // namespace NSTambraGui

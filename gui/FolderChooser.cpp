@@ -1,0 +1,95 @@
+#include "gui/FolderChooser.h"
+
+#include <QDir>
+#include <QDragEnterEvent>
+#include <QFileInfo>
+#include <QHBoxLayout>
+#include <QLineEdit>
+#include <QMimeData>
+
+namespace NSTambraGui {
+
+namespace {
+
+constexpr int kMostRecent = 10;
+
+}  // namespace
+
+QString DraggedPath(const QMimeData& data) {
+  const QList<QUrl> urls = data.urls();
+  return urls.size() == 1 ? urls.front().toLocalFile() : QString();
+}
+
+CFolderChooser::CFolderChooser(const CTexts& texts, QWidget* parent)
+    : QWidget(parent), fLabel(new QLabel(texts.fLabel)), fPath(new QComboBox) {
+  auto* const row = new QHBoxLayout(this);
+  row->setContentsMargins(0, 0, 0, 0);
+  auto* const button = new QPushButton(texts.fChoose);
+  fPath->setEditable(true);
+  fPath->setInsertPolicy(QComboBox::NoInsert);
+  fPath->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+  fPath->setMinimumContentsLength(30);
+  fPath->setAccessibleName(texts.fLabel);
+  fPath->lineEdit()->setPlaceholderText(texts.fHint);
+  fPath->lineEdit()->setAccessibleName(texts.fLabel);
+  button->setAccessibleName(texts.fLabel + ": " + texts.fChoose);
+  fLabel->setBuddy(fPath);
+  row->addWidget(fLabel);
+  row->addWidget(fPath);
+  row->addWidget(button);
+  setAcceptDrops(true);
+  fPath->lineEdit()->setAcceptDrops(false);  // a folder that is dropped on it is no text
+  connect(button, &QPushButton::clicked, this, &CFolderChooser::Asked);
+  connect(fPath->lineEdit(), &QLineEdit::editingFinished, this, &CFolderChooser::TakeTyped);
+  connect(fPath, &QComboBox::activated, this, &CFolderChooser::TakeTyped);
+}
+
+void CFolderChooser::TakeTyped() {
+  const QString typed = QDir::fromNativeSeparators(fPath->currentText().trimmed());
+  if (typed == fFolder) return;
+  if (QFileInfo(typed).isDir()) {
+    emit Chosen(typed);
+  } else {
+    SetFolder(fFolder);
+  }
+}
+
+void CFolderChooser::SetFolder(const QString& folder) {
+  fFolder = QDir::fromNativeSeparators(folder);
+  QStringList recent = Recent();
+  if (!fFolder.isEmpty()) {
+    recent.removeAll(fFolder);
+    recent.prepend(fFolder);
+  }
+  SetRecent(recent);
+}
+
+QStringList CFolderChooser::Recent() const {
+  QStringList folders;
+  for (int index = 0; index < fPath->count(); ++index) {
+    folders += QDir::fromNativeSeparators(fPath->itemText(index));
+  }
+  return folders;
+}
+
+void CFolderChooser::SetRecent(const QStringList& folders) {
+  const QSignalBlocker quiet(fPath);
+  fPath->clear();
+  for (const QString& folder : folders.first(qMin<qsizetype>(folders.size(), kMostRecent))) {
+    fPath->addItem(QDir::toNativeSeparators(folder));
+  }
+  fPath->setCurrentText(QDir::toNativeSeparators(fFolder));
+}
+
+void CFolderChooser::dragEnterEvent(QDragEnterEvent* event) {
+  if (QFileInfo(DraggedPath(*event->mimeData())).isDir()) event->acceptProposedAction();
+}
+
+void CFolderChooser::dropEvent(QDropEvent* event) {
+  const QString path = DraggedPath(*event->mimeData());
+  if (!QFileInfo(path).isDir()) return;
+  event->acceptProposedAction();
+  emit Chosen(path);
+}
+
+}  // namespace NSTambraGui

@@ -1,0 +1,128 @@
+#include "gui/FolderWatch.h"
+
+#include <QDir>
+#include <thread>
+#include <utility>
+
+#include "Parts/TolbrookPackage/Core/Exception.h"
+
+#include "app/ExceptionAlerts.h"
+#include "codecs/LQXLibrary.h"
+#include "gui/QtText.h"
+
+namespace NSTambraGui {
+
+namespace {
+
+using namespace NSTambraPacking;
+
+/// Changes come in swarms.
+constexpr int kDelay = 400;  // milliseconds
+/// The system's watches are few and belong to all programs.
+constexpr std::size_t kMostFolders = 2000;
+
+}  // namespace
+
+CFolderWatch::CFolderWatch(const CTextResources& texts, QObject* parent)
+    : QObject(parent), fTexts(texts), fTask(this) {
+  fDelay.setSingleShot(true);
+  fDelay.setInterval(kDelay);
+  connect(&fDelay, &QTimer::timeout, this, &CFolderWatch::Start);
+  const auto changed = [this] { fDelay.start(); };
+  connect(&fWatcher, &QFileSystemWatcher::directoryChanged, this, changed);
+  connect(&fWatcher, &QFileSystemWatcher::fileChanged, this, changed);
+}
+
+void CFolderWatch::SetFolder(const QString& folder) {
+  fFolder = folder;
+  fFingerprint = 0;
+  fTask.Stop();
+  fDelay.stop();
+  const QStringList watched = fWatcher.directories() + fWatcher.files();
+  if (!watched.isEmpty()) fWatcher.removePaths(watched);
+  Start();
+}
+
+void CFolderWatch::LookAgain() {
+  if (fTask.IsRunning()) {
+    fIsAsked = true;
+  } else {
+    fDelay.start();
+  }
+}
+
+void CFolderWatch::SetPaused(bool isPaused) {
+  fIsPaused = isPaused;
+  if (isPaused) {
+    fTask.Stop();
+    fDelay.stop();
+  } else {
+    fDelay.start();
+  }
+}
+
+void CFolderWatch::Start() {
+  if (fFolder.isEmpty() || fIsPaused) return;
+  fTask.Start([this, folder = fFolder,
+               known = fFingerprint](const CTaskLink& link) { Look(link, folder, known); },
+              [this](const std::exception_ptr& failure) {
+                if (failure) TakeFailure(failure);
+                if (std::exchange(fIsAsked, false)) fDelay.start();
+              });
+}
+
+/// On the thread of the task.
+void CFolderWatch::Look(const CTaskLink& link, const QString& folder, std::uint64_t known) {
+  CPackSettings settings;
+  settings.fInputFolder = NSTolbrook::CFileItem(PathFromQt(folder));
+  settings.fJobs = std::max(1U, std::thread::hardware_concurrency() / 2);
+  const auto library = CLQXLibrary::Find({}, NSTolbrook::ProgramFolder());
+  settings.fSlicedLoopLibrary = library.get();
+  const CFolderLook look = LookAtFolder(fTexts, settings,
+                                        {[&link] { return link.StopRequested(); },
+                                         [&](const CFolderLook& listed) {
+                                           if (listed.fFingerprint == known) return false;
+                                           link.Post([this, listed] {
+                                             Watch(listed);
+                                             emit Listed(listed);
+                                           });
+                                           return true;
+                                         }});
+  if (look.fIsChecked) link.Post([this, look] { Take(look); });
+}
+
+void CFolderWatch::Take(const CFolderLook& look) {
+  fFingerprint = look.fFingerprint;
+  emit Checked(look);
+}
+
+/// A sliced-loop library that is there and cannot be loaded, or no memory.
+void CFolderWatch::TakeFailure(const std::exception_ptr& failure) {
+  const auto choice = ChooseAlert(failure, ESituation::kGeneral, {});
+  if (!choice) return;
+  CFolderLook look;
+  look.fIsChecked = true;
+  look.fFindings.push_back(
+      {EFinding::kProblem, {}, fTexts.Alert(choice->fNumber, choice->fArguments).fMessage, {}});
+  emit Checked(look);
+}
+
+void CFolderWatch::Watch(const CFolderLook& look) {
+  QStringList paths{fFolder};
+  for (const std::u16string& folder : look.fFolders) {
+    if (static_cast<std::size_t>(paths.size()) >= kMostFolders) break;
+    paths += fFolder + "/" + ToQt(folder);
+  }
+  // A folder tells of files that come and go, a file of its own text: these are edited in place.
+  for (const QFileInfo& file : QDir(fFolder).entryInfoList(QDir::Files)) {
+    const QString name = file.fileName();
+    if (name.endsWith(".txt", Qt::CaseInsensitive) || name.endsWith(".jpg", Qt::CaseInsensitive)) {
+      paths += file.filePath();
+    }
+  }
+  const QStringList watched = fWatcher.directories() + fWatcher.files();
+  for (const QString& path : watched) paths.removeAll(path);
+  if (!paths.isEmpty()) fWatcher.addPaths(paths);
+}
+
+}  // namespace NSTambraGui

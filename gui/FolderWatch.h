@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QFileSystemWatcher>
+#include <QTimer>
+
+#include "app/FolderLook.h"
+#include "app/TextResources.h"
+#include "gui/package/BackgroundTask.h"
+
+namespace NSTambraGui {
+
+/// Looks at an input folder beside the window's thread, at once and again when it changes on disk.
+class CFolderWatch : public QObject {
+  Q_OBJECT
+
+ public:
+  /// The texts must outlive the object.
+  CFolderWatch(const NSTambraPacking::CTextResources& texts, QObject* parent);
+
+  /// Begins with another folder; an empty one ends the watch.
+  void SetFolder(const QString& folder);
+  /// Looks whether something has changed since the last look, and if so, again. Nothing while
+  /// paused.
+  void LookAgain();
+  /// While a job reads the folder.
+  void SetPaused(bool isPaused);
+  bool IsLooking() const { return fTask.IsRunning() || fDelay.isActive(); }
+
+ signals:
+  /// The folder is listed; its check has begun.
+  void Listed(const NSTambraPacking::CFolderLook& look);
+  void Checked(const NSTambraPacking::CFolderLook& look);
+
+ private:
+  void Start();
+  void Look(const CTaskLink& link, const QString& folder, std::uint64_t known);
+  void Take(const NSTambraPacking::CFolderLook& look);
+  void TakeFailure(const std::exception_ptr& failure);
+  void Watch(const NSTambraPacking::CFolderLook& look);
+
+  const NSTambraPacking::CTextResources& fTexts;
+  QString fFolder;
+  /// Of the last look that was checked to its end; 0 for none.
+  std::uint64_t fFingerprint = 0;
+  bool fIsPaused = false;
+  bool fIsAsked = false;  ///< to look again behind the present look
+  QFileSystemWatcher fWatcher;
+  QTimer fDelay;
+  CBackgroundTask fTask;
+};
+
+}  // namespace NSTambraGui

@@ -1,0 +1,96 @@
+#include "gui/ProgressDialog.h"
+
+#include <QHBoxLayout>
+#include <QVBoxLayout>
+
+#include "gui/AlertDialog.h"
+#include "gui/MenuBuilder.h"
+#include "gui/QtText.h"
+#include "gui/WindowTexts.h"
+
+namespace NSTambraGui {
+
+namespace {
+
+constexpr int kInterval = 33;  // milliseconds
+
+/// Each line of the text cut in its middle where it is too long.
+QString Elided(const QLabel& label, const QString& text) {
+  QStringList lines = text.split('\n');
+  for (QString& line : lines) {
+    line = label.fontMetrics().elidedText(line, Qt::ElideMiddle, label.width());
+  }
+  return lines.join('\n');
+}
+
+}  // namespace
+
+CProgressDialog::CProgressDialog(const NSTambraPacking::CTextResources& texts, CPackRun& run,
+                                 QWidget* parent)
+    : QDialog(parent), fTexts(texts), fRun(run) {
+  setWindowTitle(ToQt(texts.Text(kTextPacking)));
+  setWindowModality(Qt::WindowModal);
+  auto* const column = new QVBoxLayout(this);
+  column->setContentsMargins(20, 16, 20, 16);
+  fStage = MakeLine(1, windowTitle());
+  QFont bold = fStage->font();
+  bold.setBold(true);
+  fStage->setFont(bold);
+  fItem = MakeLine(2, ToQt(texts.Text(kTextFile)));
+  fBar = new QProgressBar;
+  fBar->setRange(0, 1000);
+  fBar->setTextVisible(false);
+  fBar->setAccessibleName(ToQt(texts.Text(kTextProgress)));
+  fTime = MakeLine(1, ToQt(texts.Text(kTextProgress)));
+  fStop = new QPushButton(WithMnemonics({ToQt(texts.Text(kTextStop))}).front());
+  for (QWidget* const widget : std::initializer_list<QWidget*>{fStage, fItem, fBar, fTime}) {
+    column->addWidget(widget);
+  }
+  auto* const row = new QHBoxLayout;
+  row->addStretch();
+  row->addWidget(fStop);
+  column->addLayout(row);
+  setFixedWidth(fontMetrics().averageCharWidth() * 80);
+  connect(fStop, &QPushButton::clicked, this, &CProgressDialog::reject);
+  connect(&fTimer, &QTimer::timeout, this, &CProgressDialog::Refresh);
+  fTimer.start(kInterval);
+}
+
+QLabel* CProgressDialog::MakeLine(int lines, const QString& name) {
+  auto* const label = new QLabel;
+  label->setTextFormat(Qt::PlainText);
+  label->setAccessibleName(name);
+  label->setMinimumHeight(label->fontMetrics().lineSpacing() * lines);
+  label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+  label->setAlignment(Qt::AlignTop | Qt::AlignLeft);
+  return label;
+}
+
+void CProgressDialog::Refresh() {
+  const CPackRun::CLines lines = fRun.Lines();
+  fStage->setText(Elided(*fStage, lines.fStage));
+  fItem->setText(Elided(*fItem, lines.fItem));
+  fTime->setText(Elided(*fTime, lines.fTime));
+  fBar->setValue(lines.fBar);
+}
+
+void CProgressDialog::reject() {
+  if (fQuestion != nullptr) return;
+  using NSTambraPacking::kAlertStop;
+  const NSTambraPacking::CAlertText alert = fTexts.Alert(kAlertStop);
+  CAlertDialog question(alert, CarefulButton(kAlertStop, alert), {}, this);
+  fQuestion = &question;
+  question.exec();
+  fQuestion = nullptr;
+  if (question.Answer() != NSTambraPacking::kLastButton) return;
+  fStop->setEnabled(false);
+  fRun.RequestStop();
+}
+
+void CProgressDialog::Finish() {
+  fTimer.stop();
+  if (fQuestion != nullptr) fQuestion->reject();
+  hide();
+}
+
+}  // namespace NSTambraGui

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QDialog>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTimer>
+
+#include "gui/PackRun.h"
+
+namespace NSTambraGui {
+
+/// What a pack job is doing, with a button that stops it. Looks at the job some thirty times a
+/// second, however often it reports.
+class CProgressDialog : public QDialog {
+  Q_OBJECT
+
+ public:
+  /// Both must outlive the window.
+  CProgressDialog(const NSTambraPacking::CTextResources& texts, CPackRun& run, QWidget* parent);
+
+  /// The job has ended: closes the window and a question about stopping that is still open.
+  void Finish();
+
+  /// Asks whether to stop, which is what closing the window means too.
+  void reject() override;
+
+ private:
+  QLabel* MakeLine(int lines, const QString& name);
+  void Refresh();
+
+  const NSTambraPacking::CTextResources& fTexts;
+  CPackRun& fRun;
+  QLabel* fStage;
+  QLabel* fItem;
+  QProgressBar* fBar;
+  QLabel* fTime;
+  QPushButton* fStop;
+  QTimer fTimer;
+  QDialog* fQuestion = nullptr;
+};
+
+}  // namespace NSTambraGui

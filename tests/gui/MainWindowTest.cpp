@@ -1,0 +1,364 @@
+#include <QAccessible>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QSettings>
+#include <QtTest>
+
+#include "app/demo/DemoLibrary.h"
+#include "gui/AboutDialog.h"
+#include "gui/AlertDialog.h"
+#include "gui/MainWindow.h"
+#include "gui/QtText.h"
+#include "gui/SplashFile.h"
+#include "gui/WindowTexts.h"
+#include "gui/package/PackageWindow.h"
+#include "tests/support/Library.h"
+
+namespace {
+
+using namespace NSTambraGui;
+using namespace NSTambraPacking;
+namespace fs = std::filesystem;
+
+constexpr int kPatience = 20000;  // milliseconds; only what hangs takes so long
+
+/// A main window whose dialogs are answered by the test: alerts by the label of a button, in order.
+class CTestWindow {
+ public:
+  CTestWindow()
+      : fWindow(fTexts, {[this](QWidget*, const QString&, const QString&) { return fFolder; },
+                         [this](QWidget*, const QString&, const QString&) { return fFile; },
+                         [this](const QUrl& address) { fOpened.append(address); }}) {
+    QObject::connect(&fTimer, &QTimer::timeout, &fWindow, [this] { AnswerAlert(); });
+    fTimer.start(5);
+    fWindow.show();
+  }
+
+  /// Chooses both folders by their commands and waits for the look.
+  void Choose(const fs::path& input, const fs::path& output) {
+    fFolder = PathToQt(output);
+    fWindow.Command(kCommandOutputFolder)->trigger();
+    fFolder = PathToQt(input);
+    fWindow.Command(kCommandInputFolder)->trigger();
+    WaitForLook();
+  }
+  void WaitForLook() {
+    QVERIFY(QTest::qWaitFor([this] { return !fWindow.IsLooking(); }, kPatience));
+  }
+  /// Runs a pack with these answers to its alerts; returns the messages of the alerts.
+  QStringList Pack(const QStringList& answers) {
+    fAnswers = answers;
+    fMessages.clear();
+    fWindow.Command(kCommandCreate)->trigger();
+    const bool ended = QTest::qWaitFor([this] { return !fWindow.IsPacking(); }, kPatience);
+    return ended ? fMessages : QStringList("the run does not end");
+  }
+  template <class Widget>
+  Widget& Find(CStringNumber accessibleName) {
+    for (Widget* const widget : fWindow.findChildren<Widget*>()) {
+      if (widget->accessibleName() == Text(accessibleName)) return *widget;
+    }
+    throw std::runtime_error("no such widget");
+  }
+  void Press(CStringNumber label) {
+    for (QPushButton* const button : fWindow.findChildren<QPushButton*>()) {
+      if (button->text() == Text(label)) return button->click();
+    }
+    throw std::runtime_error("no such button");
+  }
+  QString Text(CStringNumber number) const { return ToQt(fTexts.Text(number)); }
+  QString State() { return Find<QLabel>(kTextProgress).text(); }
+  QStringList Findings() {
+    const QAbstractItemModel& model = *Find<QTreeView>(kTextFindings).model();
+    QStringList rows;
+    for (int row = 0; row < model.rowCount(); ++row) {
+      rows += model.index(row, 0).data().toString() + "|" + model.index(row, 1).data().toString() +
+              "|" + model.index(row, 2).data().toString();
+    }
+    return rows;
+  }
+  void Drop(QWidget& target, const fs::path& path) {
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(PathToQt(path))});
+    QDragEnterEvent enter({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&target, &enter);
+    QVERIFY(enter.isAccepted());
+    QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&target, &drop);
+  }
+
+  CTextResources fTexts;
+  QString fFolder;
+  QString fFile;
+  QStringList fAnswers;
+  QStringList fMessages;
+  QList<QUrl> fOpened;
+  CMainWindow fWindow;
+
+ private:
+  void AnswerAlert() {
+    auto* const alert = qobject_cast<CAlertDialog*>(QApplication::activeModalWidget());
+    if (alert == nullptr) return;
+    fMessages += alert->accessibleDescription();
+    const QString answer = fAnswers.isEmpty() ? "Escape" : fAnswers.takeFirst();
+    if (answer == "Escape") return QTest::keyClick(alert, Qt::Key_Escape);
+    for (QCheckBox* const box : alert->findChildren<QCheckBox*>()) {
+      if (answer.endsWith("!")) box->setChecked(true);
+    }
+    for (QPushButton* const button : alert->findChildren<QPushButton*>()) {
+      if (button->text().remove('&') == QString(answer).remove('!')) return button->click();
+    }
+    alert->reject();
+    fMessages += "no button " + answer;
+  }
+
+  QTimer fTimer;
+};
+
+class CMainWindowTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void initTestCase();
+  void looksAtTheFolderAndAgainWhenItChanges();
+  void packsAndShowsEveryEnding();
+  void stopsInTheMiddle();
+  void showsEveryAlertWithItsButtonsInOrder();
+  void obeysEveryCommand();
+  void takesWhatIsDropped();
+  void savesInformationAndSplash();
+  void isAccessibleAndRemembers();
+
+ private:
+  NSTest::CTemporaryFolder fSettings;
+};
+
+void CMainWindowTest::initTestCase() {
+  QCoreApplication::setOrganizationName("Test");
+  QSettings::setDefaultFormat(QSettings::IniFormat);
+  QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, PathToQt(fSettings.Path()));
+  qputenv("XDG_CACHE_HOME", PathToQt(fSettings.Path()).toUtf8());
+  qputenv("LOCALAPPDATA", PathToQt(fSettings.Path()).toUtf8());
+}
+
+void CMainWindowTest::looksAtTheFolderAndAgainWhenItChanges() {
+  NSTest::CLibrary library;
+  library.WithSample("a/x.wav").WithFile("b.doc", "?").WithInfo("SKIP_UNUSED_SAMPLES", "NO");
+  CTestWindow window;
+  window.Choose(library.Input(), library.Output());
+  QVERIFY2(window.State().startsWith("Ready to pack: 2 files"), qPrintable(window.State()));
+  QCOMPARE(window.Findings().size(), 1);
+  QVERIFY(window.Findings().front().startsWith("Left out|b.doc|"));
+  QCOMPARE(window.Find<QLabel>(kTextOutputFolder).text(), "The Tambra will be “Kit.tmb”.");
+  QCOMPARE(window.Find<CSplashView>(kTextSplash).PictureSize(), QSize(64, 64));
+  library.WithPatch("a/p.dp01", {{.fRelative = "/y.wav"}}).WithFile("c.wav", "RIFF");
+  QVERIFY(QTest::qWaitFor([&] { return window.State() == "Not ready (problems: 2)"; }, kPatience));
+  QVERIFY(window.Findings()[1].startsWith("Problem|c.wav|") ||
+          window.Findings()[0].startsWith("Problem|c.wav|"));
+  QCOMPARE(window.Findings().filter("Problem|a/p.dp01|The reference “").size(), 1);
+  library.Without("c.wav").Without("a/p.dp01").Without("NAME.TXT");
+  QVERIFY(QTest::qWaitFor([&] { return window.State() == "Not ready (problems: 1)"; }, kPatience));
+  QCOMPARE(window.Findings().filter("Please specify a name").size(), 1);
+  QCOMPARE(window.Find<QLabel>(kTextOutputFolder).text(), "The Tambra will be “output.tmb”.");
+}
+
+void CMainWindowTest::packsAndShowsEveryEnding() {
+  NSTest::CLibrary library;
+  library.WithSample("x.wav").WithFile("b.doc", "?").WithFile("c.doc", "?");
+  CTestWindow window;
+  window.Choose(library.Input(), library.Output());
+  const fs::path package = library.Output() / "Kit.tmb";
+  // What cannot be packed: the careful answer, for one file and the other.
+  QVERIFY(window.Pack({"Escape"}).last().startsWith("Problems were encountered"));
+  QCOMPARE(window.fMessages.size(), 3);
+  QVERIFY(!fs::exists(package));
+  QStringList told = window.Pack({"Continue Anyway!", "OK"});  // once for both files
+  QCOMPARE(told.size(), 2);
+  QVERIFY2(told[1].contains("packed successfully"), qPrintable(told[1]));
+  QVERIFY(fs::exists(package));
+  QCOMPARE(window.Pack({"Cancel"}),
+           {"The file “Kit.tmb” already exists, do you want to replace it?"});
+  library.WithInfo("WARN_ABOUT_UNUSED_SAMPLES", "YES").Without("b.doc").Without("c.doc");
+  told = window.Pack({"Replace", "Open Log File"});
+  QVERIFY2(told.last().contains("packed sucessfully"), qPrintable(told.last()));
+  QCOMPARE(window.fOpened.size(), 1);
+  QVERIFY(window.fOpened.front().toLocalFile().contains("Kit packing log"));
+  library.WithPatch("p.dp01", {{.fRelative = "/y.wav"}});
+  QVERIFY(window.Pack({"Replace", "Escape"}).last().startsWith("Problems were encountered"));
+  library.Without("p.dp01").WithPatch("q.dp01", {{.fTambra = "Other", .fDatabase = "/z.wav"}});
+  window.fWindow.Command(kCommandWarnExternal)->setChecked(true);
+  told = window.Pack({"Cancel", "OK"});
+  QVERIFY2(told.front().contains("refers to the Tambra Other"), qPrintable(told.front()));
+  library.Without("Splash.jpg");
+  QVERIFY(window.Pack({"OK"}).last().contains("Splash.jpg"));
+  QVERIFY(window.fWindow.Command(kCommandCreate)->isEnabled());
+}
+
+void CMainWindowTest::stopsInTheMiddle() {
+  const NSTest::CTemporaryFolder folder;
+  WriteDemoLibrary(folder.Path() / "in");
+  CTestWindow window;
+  window.Choose(folder.Path() / "in", folder.Path() / "out");
+  int refreshed = 0;
+  QTimer stopper;
+  QObject::connect(&stopper, &QTimer::timeout, &window.fWindow, [&] {
+    auto* const dialog = window.fWindow.findChild<CProgressDialog*>();
+    if (dialog == nullptr || dialog->findChild<QProgressBar*>()->value() < 10) return;
+    if (QApplication::activeModalWidget() != dialog || refreshed++ > 0) return;
+    QTimer::singleShot(0, dialog, [dialog] { QTest::keyClick(dialog, Qt::Key_Escape); });
+  });
+  stopper.start(1);
+  const QStringList told = window.Pack({"Cancel Packing"});
+  QCOMPARE(told, {ToQt(window.fTexts.Alert(kAlertStop).fMessage)});
+  QVERIFY(fs::is_empty(folder.Path() / "out"));
+}
+
+void CMainWindowTest::showsEveryAlertWithItsButtonsInOrder() {
+  const CTextResources texts;
+  for (int table : {128, kGenericAlertTable}) {
+    for (int entry = 0; entry < 320; ++entry) {
+      CAlertText alert;
+      try {
+        alert = texts.Alert({table, entry}, {u"[a]", u"b"});
+      } catch (const NSMordel::XNotFound&) {
+        continue;
+      }
+      const std::size_t careful = CarefulButton({table, entry}, alert);
+      for (std::size_t pressed = 0; pressed < alert.fButtons.size(); ++pressed) {
+        CAlertDialog dialog(alert, careful, "All", nullptr);
+        const auto buttons = dialog.findChildren<QPushButton*>();
+        QCOMPARE(buttons.size(), qsizetype(alert.fButtons.size()));
+        const auto index = static_cast<qsizetype>(pressed);
+        QCOMPARE(buttons[index]->text().remove('&'), ToQt(alert.fButtons[pressed]));
+        QVERIFY(buttons[index]->text().contains('&'));
+        buttons[index]->click();
+        QCOMPARE(dialog.Answer(), alert.Answer(pressed));
+      }
+      CAlertDialog dialog(alert, careful, {}, nullptr);
+      dialog.reject();
+      QCOMPARE(dialog.Answer(), alert.Answer(careful));
+      QVERIFY(dialog.accessibleDescription() == ToQt(alert.fMessage));
+    }
+  }
+}
+
+void CMainWindowTest::obeysEveryCommand() {
+  CTestWindow window;
+  std::set<int> left;
+  for (const CMenu& menu : window.fTexts.Menus().Menus()) {
+    for (const CMenuItem& item : menu.fItems) {
+      if (!item.IsSeparator()) left.insert(item.fId);
+    }
+  }
+  QStringList mnemonics;
+  for (const QAction* const menu : window.fWindow.menuBar()->actions()) {
+    const QString text = menu->text();
+    mnemonics += text.mid(text.indexOf('&') + 1, 1).toLower();
+  }
+  QCOMPARE(mnemonics.removeDuplicates(), 0);
+  const NSTest::CLibrary library;
+  window.Choose(library.Input(), library.Output());                     // 101 and 102
+  QVERIFY(window.Pack({"OK"}).last().contains("packed successfully"));  // 103
+  QAction* const warn = window.fWindow.Command(kCommandWarnExternal);
+  const bool before = warn->isChecked();
+  warn->trigger();
+  QVERIFY(warn->isChecked() != before);
+  window.fFile = PathToQt(library.Output() / "Kit.tmb");
+  window.fWindow.Command(kCommandOpen)->trigger();
+  const auto opened = QApplication::topLevelWidgets();
+  const auto package = std::find_if(opened.begin(), opened.end(), [](QWidget* widget) {
+    return qobject_cast<CPackageWindow*>(widget) != nullptr;
+  });
+  QVERIFY(package != opened.end());
+  (*package)->close();
+  window.fWindow.Command(kCommandHomePage)->trigger();
+  window.fWindow.Command(kCommandSupportPage)->trigger();
+  QCOMPARE(window.fOpened, QList<QUrl>({QUrl(window.Text(kHomePageAddress)),
+                                        QUrl(window.Text(kSupportPageAddress))}));
+  QTimer::singleShot(50, &window.fWindow, [&] {
+    auto* const about = qobject_cast<CAboutDialog*>(QApplication::activeModalWidget());
+    QVERIFY(about != nullptr);
+    QCOMPARE(about->findChild<QMenu*>()->actions().size(), 2);
+    about->reject();
+  });
+  window.fWindow.Command(kCommandAbout)->trigger();
+  QVERIFY(!window.fWindow.Command(kCommandSaveInformation)->isEnabled());
+  window.fWindow.Command(kCommandExit)->trigger();
+  QVERIFY(!window.fWindow.isVisible());
+  for (const int tried : {101, 102, 103, 104, 105, 106, 107, 400, 800, 804}) left.erase(tried);
+  QVERIFY(left.empty());
+}
+
+void CMainWindowTest::takesWhatIsDropped() {
+  const NSTest::CLibrary library;
+  CTestWindow window;
+  window.Drop(window.fWindow, library.Input());
+  const auto choosers = window.fWindow.findChildren<CFolderChooser*>();
+  window.Drop(*choosers[1], library.Folder().Path());
+  QCOMPARE(choosers[0]->Folder(), PathToQt(library.Input()));
+  QCOMPARE(choosers[1]->Folder(), PathToQt(library.Folder().Path()));
+  window.WaitForLook();
+  QVERIFY(window.fWindow.Command(kCommandCreate)->isEnabled());
+}
+
+void CMainWindowTest::savesInformationAndSplash() {
+  NSTest::CLibrary library;
+  library.WithInfo("URL", "old").WithSplash("SPLASH.JPG", 20).Without("Splash.jpg");
+  CTestWindow window;
+  window.Choose(library.Input(), library.Output());
+  auto& address = window.Find<QLineEdit>(kInfoAddress);
+  address.selectAll();
+  QTest::keyClicks(&address, "new");
+  QVERIFY(window.fWindow.Command(kCommandSaveInformation)->isEnabled());
+  window.fAnswers = {"Cancel", "Save"};
+  window.fWindow.close();
+  QVERIFY(window.fWindow.isVisible());
+  window.fWindow.Command(kCommandCreate)->trigger();  // asks first, then packs
+  QVERIFY(QTest::qWaitFor([&] { return !window.fWindow.IsPacking(); }, kPatience));
+  QCOMPARE(library.Folder().ReadText("in/INFO.TXT"), std::string("URL=\"new\"\r\n"));
+  QTest::keyClicks(&address, "er");
+  window.Press(kTextRevert);
+  QCOMPARE(address.text(), "new");
+  QImage picture(200, 100, QImage::Format_RGB32);
+  picture.fill(Qt::red);
+  const QString file = PathToQt(library.Folder().Path() / "big.png");
+  QVERIFY(picture.save(file));
+  window.fAnswers = {"Scale and Save", "OK"};
+  window.Drop(window.Find<CSplashView>(kTextSplash), PathFromQt(file));
+  QCOMPARE(ReadPicture(PathToQt(library.Input() / "SPLASH.JPG")).size(), QSize(64, 64));
+  window.Drop(window.Find<CSplashView>(kTextSplash), library.Input() / "INFO.TXT");
+  QVERIFY(window.fMessages.last().contains("INFO.TXT"));
+  QVERIFY(QTest::qWaitFor([&] { return window.State().startsWith("Ready"); }, kPatience));
+}
+
+void CMainWindowTest::isAccessibleAndRemembers() {
+  const NSTest::CLibrary library;
+  {
+    CTestWindow window;
+    window.Choose(library.Input(), library.Output());
+    window.fWindow.resize(911, 707);
+    window.fWindow.close();
+  }
+  CTestWindow window;
+  QCOMPARE(window.fWindow.size(), QSize(911, 707));
+  QCOMPARE(window.fWindow.findChild<CFolderChooser*>()->Folder(), PathToQt(library.Input()));
+  window.WaitForLook();
+  for (QWidget* const widget : window.fWindow.findChildren<QWidget*>()) {
+    if (widget->focusPolicy() == Qt::NoFocus || !widget->isVisible()) continue;
+    QAccessibleInterface* const face = QAccessible::queryAccessibleInterface(widget);
+    if (face == nullptr || widget->objectName().startsWith("qt_")) continue;
+    const bool isPart = widget->inherits("QHeaderView") || widget->inherits("QSplitter");
+    QVERIFY2(isPart || !face->text(QAccessible::Name).isEmpty(), widget->metaObject()->className());
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  QApplication application(argc, argv);
+  CMainWindowTest test;
+  return QTest::qExec(&test, argc, argv);
+}
+
+#include "MainWindowTest.moc"
