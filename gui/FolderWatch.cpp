@@ -1,6 +1,7 @@
 #include "gui/FolderWatch.h"
 
 #include <QDir>
+#include <QSet>
 #include <thread>
 #include <utility>
 
@@ -120,8 +121,9 @@ void CFolderWatch::Watch(const CFolderLook& look) {
       paths += file.filePath();
     }
   }
-  const QStringList watched = fWatcher.directories() + fWatcher.files();
-  for (const QString& path : watched) paths.removeAll(path);
+  const QStringList known = fWatcher.directories() + fWatcher.files();
+  const QSet<QString> watched(known.begin(), known.end());
+  paths.removeIf([&watched](const QString& path) { return watched.contains(path); });
   if (!paths.isEmpty()) fWatcher.addPaths(paths);
 }
 
