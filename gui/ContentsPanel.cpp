@@ -30,12 +30,12 @@ CContentsPanel::CContentsPanel(const CTextResources& texts, QWidget* parent)
       fTexts(texts),
       fTypes(new QTreeWidget),
       fFindings(new QTreeView),
-      fModel(new CFindingsModel(texts, this)) {
+      fModel(new CFindingsModel(texts, this)),
+      fDetail(new QLabel) {
   BuildTypes();
-  BuildFindings();
   auto* const splitter = new QSplitter;
   splitter->addWidget(Group(Text(kTextContents), fTypes));
-  splitter->addWidget(Group(Text(kTextFindings), fFindings));
+  splitter->addWidget(Group(Text(kTextFindings), BuildFindings()));
   splitter->setStretchFactor(0, 2);
   splitter->setStretchFactor(1, 3);
   splitter->setChildrenCollapsible(false);
@@ -56,7 +56,7 @@ void CContentsPanel::BuildTypes() {
   fTypes->headerItem()->setTextAlignment(2, Qt::AlignRight);
 }
 
-void CContentsPanel::BuildFindings() {
+QWidget* CContentsPanel::BuildFindings() {
   fFindings->setModel(fModel);
   fFindings->setRootIsDecorated(false);
   fFindings->setUniformRowHeights(true);
@@ -64,18 +64,35 @@ void CContentsPanel::BuildFindings() {
   fFindings->setAccessibleName(Text(kTextFindings));
   fFindings->header()->resizeSection(0, fFindings->fontMetrics().averageCharWidth() * 14);
   fFindings->header()->resizeSection(1, fFindings->fontMetrics().averageCharWidth() * 28);
+  // What a row has no room for, hints above all.
+  fDetail->setTextFormat(Qt::PlainText);
+  fDetail->setWordWrap(true);
+  fDetail->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  fDetail->setAlignment(Qt::AlignTop | Qt::AlignLeft);
+  fDetail->setMinimumHeight(fDetail->fontMetrics().lineSpacing() * 3);
+  fDetail->setAccessibleName(Text(kTextFinding));
+  connect(fFindings->selectionModel(), &QItemSelectionModel::currentChanged, this,
+          [this](const QModelIndex& index) { fDetail->setText(fModel->Detail(index.row())); });
+  auto* const box = new QWidget;
+  auto* const column = new QVBoxLayout(box);
+  column->setContentsMargins(0, 0, 0, 0);
+  column->addWidget(fFindings, 1);
+  column->addWidget(fDetail);
+  return box;
 }
 
-void CContentsPanel::Show(const CFolderLook& look) {
+void CContentsPanel::Show(const SharedLook& look) {
   fTypes->clear();
-  for (const CTypeCount& type : look.fTypes) {
+  for (const CTypeCount& type : look->fTypes) {
     auto* const item = new QTreeWidgetItem(
         fTypes, {ToQt(type.fName), QLocale().toString(static_cast<qulonglong>(type.fCount)),
                  SizeText(type.fSize)});
     item->setTextAlignment(1, Qt::AlignRight);
     item->setTextAlignment(2, Qt::AlignRight);
   }
-  fModel->SetFindings(look.fFindings);
+  fModel->SetLook(look);
+  fFindings->setCurrentIndex(fModel->index(0, 0));
+  fDetail->setText(fModel->Detail(0));
 }
 
 QString CContentsPanel::Text(CStringNumber number) const { return ToQt(fTexts.Text(number)); }

@@ -19,17 +19,18 @@ class CContentsPanel : public QWidget {
   /// The texts must outlive the panel.
   CContentsPanel(const NSTambraPacking::CTextResources& texts, QWidget* parent);
 
-  void Show(const NSTambraPacking::CFolderLook& look);
+  void Show(const SharedLook& look);
 
  private:
   void BuildTypes();
-  void BuildFindings();
+  QWidget* BuildFindings();
   QString Text(NSTambraPacking::CStringNumber number) const;
 
   const NSTambraPacking::CTextResources& fTexts;
   QTreeWidget* fTypes;
   QTreeView* fFindings;
   CFindingsModel* fModel;
+  QLabel* fDetail;
 };
 
 }  // namespace NSTambraGui

@@ -23,16 +23,28 @@ QStyle::StandardPixmap IconOf(EFinding kind) {
 }  // namespace
 
 CFindingsModel::CFindingsModel(const CTextResources& texts, QObject* parent)
-    : QAbstractTableModel(parent), fTexts(texts) {}
+    : QAbstractTableModel(parent), fTexts(texts), fLook(std::make_shared<const CFolderLook>()) {}
 
-void CFindingsModel::SetFindings(std::vector<CFolderFinding> findings) {
+void CFindingsModel::SetLook(SharedLook look) {
   beginResetModel();
-  fFindings = std::move(findings);
+  fLook = std::move(look);
   endResetModel();
 }
 
+const CFolderFinding& CFindingsModel::Finding(int row) const {
+  return fLook->fFindings[static_cast<std::size_t>(row)];
+}
+
+QString CFindingsModel::Detail(int row) const {
+  if (row < 0 || row >= rowCount()) return {};
+  const CFolderFinding& finding = Finding(row);
+  QString text = ToQt(finding.fText);
+  for (const std::u16string& hint : finding.fHints) text += "\n– " + ToQt(hint);
+  return text;
+}
+
 int CFindingsModel::rowCount(const QModelIndex& parent) const {
-  return parent.isValid() ? 0 : static_cast<int>(fFindings.size());
+  return parent.isValid() ? 0 : static_cast<int>(fLook->fFindings.size());
 }
 
 int CFindingsModel::columnCount(const QModelIndex& parent) const {
@@ -40,7 +52,7 @@ int CFindingsModel::columnCount(const QModelIndex& parent) const {
 }
 
 QVariant CFindingsModel::data(const QModelIndex& index, int role) const {
-  const CFolderFinding& finding = fFindings[static_cast<std::size_t>(index.row())];
+  const CFolderFinding& finding = Finding(index.row());
   if (role == Qt::DecorationRole && index.column() == kKind) {
     return QApplication::style()->standardIcon(IconOf(finding.fKind));
   }

@@ -1,11 +1,15 @@
 #pragma once
 
 #include <QAbstractTableModel>
+#include <memory>
 
 #include "app/FolderLook.h"
 #include "app/TextResources.h"
 
 namespace NSTambraGui {
+
+/// Looks are long: the parts of a window share one, and it goes where it came from.
+using SharedLook = std::shared_ptr<const NSTambraPacking::CFolderLook>;
 
 /// What was found in a folder, a row each; nothing is made for rows that are not in view.
 class CFindingsModel : public QAbstractTableModel {
@@ -13,7 +17,10 @@ class CFindingsModel : public QAbstractTableModel {
   /// The texts must outlive the model.
   CFindingsModel(const NSTambraPacking::CTextResources& texts, QObject* parent);
 
-  void SetFindings(std::vector<NSTambraPacking::CFolderFinding> findings);
+  void SetLook(SharedLook look);
+
+  /// The whole finding, its hints on lines of their own; empty for a row that is not there.
+  QString Detail(int row) const;
 
   int rowCount(const QModelIndex& parent = {}) const override;
   int columnCount(const QModelIndex& parent = {}) const override;
@@ -25,7 +32,9 @@ class CFindingsModel : public QAbstractTableModel {
   QString KindText(NSTambraPacking::EFinding kind) const;
 
   const NSTambraPacking::CTextResources& fTexts;
-  std::vector<NSTambraPacking::CFolderFinding> fFindings;
+  const NSTambraPacking::CFolderFinding& Finding(int row) const;
+
+  SharedLook fLook;
 };
 
 }  // namespace NSTambraGui

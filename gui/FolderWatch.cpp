@@ -79,21 +79,22 @@ void CFolderWatch::Look(const CTaskLink& link, const QString& folder, std::uint6
   settings.fJobs = std::max(1U, std::thread::hardware_concurrency() / 2);
   const auto library = CLQXLibrary::Find({}, NSTolbrook::ProgramFolder());
   settings.fSlicedLoopLibrary = library.get();
-  const CFolderLook look = LookAtFolder(fTexts, settings,
-                                        {[&link] { return link.StopRequested(); },
-                                         [&](const CFolderLook& listed) {
-                                           if (listed.fFingerprint == known) return false;
-                                           link.Post([this, listed] {
-                                             Watch(listed);
-                                             emit Listed(listed);
-                                           });
-                                           return true;
-                                         }});
-  if (look.fIsChecked) link.Post([this, look] { Take(look); });
+  const auto look = std::make_shared<const CFolderLook>(
+      LookAtFolder(fTexts, settings,
+                   {[&link] { return link.StopRequested(); },
+                    [&](const CFolderLook& listed) {
+                      if (listed.fFingerprint == known) return false;
+                      link.Post([this, listed = std::make_shared<const CFolderLook>(listed)] {
+                        Watch(*listed);
+                        emit Listed(listed);
+                      });
+                      return true;
+                    }}));
+  if (look->fIsChecked) link.Post([this, look] { Take(look); });
 }
 
-void CFolderWatch::Take(const CFolderLook& look) {
-  fFingerprint = look.fFingerprint;
+void CFolderWatch::Take(const SharedLook& look) {
+  fFingerprint = look->fFingerprint;
   emit Checked(look);
 }
 
@@ -105,7 +106,7 @@ void CFolderWatch::TakeFailure(const std::exception_ptr& failure) {
   look.fIsChecked = true;
   look.fFindings.push_back(
       {EFinding::kProblem, {}, fTexts.Alert(choice->fNumber, choice->fArguments).fMessage, {}});
-  emit Checked(look);
+  emit Checked(std::make_shared<const CFolderLook>(std::move(look)));
 }
 
 void CFolderWatch::Watch(const CFolderLook& look) {

@@ -5,6 +5,7 @@
 
 #include "app/FolderLook.h"
 #include "app/TextResources.h"
+#include "gui/FindingsModel.h"
 #include "gui/package/BackgroundTask.h"
 
 namespace NSTambraGui {
@@ -28,13 +29,13 @@ class CFolderWatch : public QObject {
 
  signals:
   /// The folder is listed; its check has begun.
-  void Listed(const NSTambraPacking::CFolderLook& look);
-  void Checked(const NSTambraPacking::CFolderLook& look);
+  void Listed(const SharedLook& look);
+  void Checked(const SharedLook& look);
 
  private:
   void Start();
   void Look(const CTaskLink& link, const QString& folder, std::uint64_t known);
-  void Take(const NSTambraPacking::CFolderLook& look);
+  void Take(const SharedLook& look);
   void TakeFailure(const std::exception_ptr& failure);
   void Watch(const NSTambraPacking::CFolderLook& look);
 

@@ -47,7 +47,10 @@ CMainDialogs CMainDialogs::OfTheDesktop() {
 }
 
 CMainWindow::CMainWindow(const CTextResources& texts, CMainDialogs dialogs)
-    : fTexts(texts), fDialogs(std::move(dialogs)), fWatch(texts, nullptr) {
+    : fTexts(texts),
+      fDialogs(std::move(dialogs)),
+      fWatch(texts, nullptr),
+      fLook(std::make_shared<const CFolderLook>()) {
   setWindowTitle(Text(kProgramName));
   setAcceptDrops(true);
   BuildContent();
@@ -160,7 +163,7 @@ void CMainWindow::Connect() {
 
 void CMainWindow::RestoreState() {
   const QSettings settings;
-  resize(880, 680);
+  resize(940, 720);
   restoreGeometry(settings.value("main/geometry").toByteArray());
   fInput->SetRecent(settings.value("main/inputFolders").toStringList());
   fOutput->SetRecent(settings.value("main/outputFolders").toStringList());
@@ -215,7 +218,7 @@ void CMainWindow::SetInput(const QString& folder) {
     return;
   }
   fInput->SetFolder(folder);
-  fLook = {};
+  fLook = std::make_shared<const CFolderLook>();
   fIsListed = false;
   fInformation->Show({});
   fContents->Show(fLook);
@@ -229,16 +232,16 @@ void CMainWindow::SetOutput(const QString& folder) {
   UpdateState();
 }
 
-void CMainWindow::ShowListed(const CFolderLook& look) {
+void CMainWindow::ShowListed(const SharedLook& look) {
   fLook = look;
   fIsListed = true;
-  fInformation->Show(look.fTexts);
+  fInformation->Show(look->fTexts);
   fContents->Show(look);
   ShowSplash();
   UpdateState();
 }
 
-void CMainWindow::ShowChecked(const CFolderLook& look) {
+void CMainWindow::ShowChecked(const SharedLook& look) {
   fLook = look;
   fIsListed = true;
   fContents->Show(look);
@@ -303,8 +306,9 @@ bool CMainWindow::SaveInformation() {
     ShowFailure(std::current_exception());
     return false;
   }
-  fLook.fTexts.fInformation = fInformation->Wanted();
-  fInformation->Show(fLook.fTexts);
+  CPackageTexts texts = fLook->fTexts;
+  texts.fInformation = fInformation->Wanted();
+  fInformation->Show(texts);
   fInformation->Revert();
   fWatch.LookAgain();
   return true;
@@ -362,14 +366,14 @@ void CMainWindow::UpdateState() {
 QString CMainWindow::StateText() const {
   if (fInput->Folder().isEmpty()) return Text(kTextNoInput);
   if (!fIsListed) return Text(kTextLooking);
-  if (!fLook.fIsChecked) return Text(kTextChecking, {Number(static_cast<qint64>(fLook.fCount))});
+  if (!fLook->fIsChecked) return Text(kTextChecking, {Number(static_cast<qint64>(fLook->fCount))});
   const auto problems = std::count_if(
-      fLook.fFindings.begin(), fLook.fFindings.end(),
+      fLook->fFindings.begin(), fLook->fFindings.end(),
       [](const CFolderFinding& finding) { return finding.fKind == EFinding::kProblem; });
   if (problems > 0) return Text(kTextNotReady, {Number(problems)});
   if (fOutput->Folder().isEmpty()) return Text(kTextNoOutput);
   return Text(kTextReady,
-              {Number(static_cast<qint64>(fLook.fPackable)), FromQt(SizeText(fLook.fSize))});
+              {Number(static_cast<qint64>(fLook->fPackable)), FromQt(SizeText(fLook->fSize))});
 }
 
 QString CMainWindow::OutputName() const {

@@ -66,8 +66,8 @@ class CMainWindow : public QMainWindow {
   void ChooseSplash();
   void SetInput(const QString& folder);
   void SetOutput(const QString& folder);
-  void ShowListed(const NSTambraPacking::CFolderLook& look);
-  void ShowChecked(const NSTambraPacking::CFolderLook& look);
+  void ShowListed(const SharedLook& look);
+  void ShowChecked(const SharedLook& look);
   void ShowSplash();
 
   void Create();
@@ -100,7 +100,7 @@ class CMainWindow : public QMainWindow {
   QLabel* fOutputName = nullptr;
   QPushButton* fCreateTambraButton = nullptr;
   CFolderWatch fWatch;
-  NSTambraPacking::CFolderLook fLook;
+  SharedLook fLook;
   bool fIsListed = false;  ///< fLook is of the chosen folder
   std::unique_ptr<CPackRun> fRun;
   std::unique_ptr<CProgressDialog> fProgress;
