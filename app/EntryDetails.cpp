@@ -40,6 +40,7 @@ class CDescriber {
       : fTexts(texts), fPackage(package), fEntry(entry), fStopRequested(std::move(stopRequested)) {}
 
   CEntryDetails Describe() {
+    Add(kDetailPath, fEntry.Path());
     Add(kColumnType, EntryTypeName(fTexts, fEntry.TypeCode()));
     try {
       DescribeByType();

@@ -1,6 +1,7 @@
 #include "gui/package/DetailsPane.h"
 
 #include <QHeaderView>
+#include <QLocale>
 #include <QVBoxLayout>
 #include <chrono>
 
@@ -65,6 +66,8 @@ CDetailsPane::CDetailsPane(const NSTambraPacking::CTextResources& texts, QWidget
   setAccessibleName(ToQt(fTexts.Text(NSTambraPacking::kDetailsOfEntry)));
   setWidgetResizable(true);
   setFrameShape(QFrame::NoFrame);
+  setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  setMinimumWidth(45 * fontMetrics().averageCharWidth());
   auto* const content = new QWidget(this);
   auto* const layout = new QVBoxLayout(content);
   fTitle = NewLabel(content);
@@ -78,7 +81,7 @@ CDetailsPane::CDetailsPane(const NSTambraPacking::CTextResources& texts, QWidget
   fPicture->setAccessibleName(ToQt(fTexts.Text(NSTambraPacking::kPictureName)));
   fFault = NewLabel(content);
   fLines = new QFormLayout;
-  fLines->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
+  fLines->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
   fItemsTitle = NewLabel(content);
   fItemModel = new CDetailItemModel(fTexts, this);
   fItems = new QTreeView(content);
@@ -120,7 +123,7 @@ void CDetailsPane::Show(std::shared_ptr<const CPackageListing> listing, Node nod
             ? ShownText(listing->fContents->Header().fTambraName)
             : listing->fNames[node]);
   const bool isPackage = node == NSTambraPacking::CEntryTree::kRoot;
-  if (!isPackage && listing->IsFolder(node)) return;
+  if (!isPackage && listing->IsFolder(node)) return ShowFolder(*listing, node);
   const auto work = [this, listing, node, isPackage](const CTaskLink& link) {
     const NSTambraPacking::CPackageContents& package = *listing->fContents;
     CEntryDetails details = isPackage ? DescribePackage(fTexts, package)
@@ -138,6 +141,14 @@ void CDetailsPane::Show(std::shared_ptr<const CPackageListing> listing, Node nod
   fTask.Start(work, [this](const std::exception_ptr& failure) {
     if (failure != nullptr) ShowFailure(failure);
   });
+}
+
+void CDetailsPane::ShowFolder(const CPackageListing& listing, Node node) {
+  const auto entries = listing.fContents->EntriesBelow({node});
+  std::uint64_t packed = 0;
+  for (const auto& entry : entries) packed += entry->Data()->Size();
+  AddLine(ToQt(fTexts.Text(NSTambraPacking::kInfoFiles)), QLocale().toString(entries.size()));
+  AddLine(ToQt(fTexts.Text(NSTambraPacking::kColumnPacked)), SizeText(packed));
 }
 
 void CDetailsPane::ShowDetails(CEntryDetails details, const QImage& picture) {

@@ -28,7 +28,7 @@ class CDetailsPane : public QScrollArea {
   /// The texts must outlive the pane.
   CDetailsPane(const NSTambraPacking::CTextResources& texts, QWidget* parent);
 
-  /// The package itself for the root, for a folder its name alone.
+  /// The package itself for the root, for a folder how much it holds.
   void Show(std::shared_ptr<const CPackageListing> listing, Node node);
 
  signals:
@@ -37,6 +37,7 @@ class CDetailsPane : public QScrollArea {
 
  private:
   void Clear(const QString& title);
+  void ShowFolder(const CPackageListing& listing, Node node);
   void ShowDetails(NSTambraPacking::CEntryDetails details, const QImage& picture);
   void AddLine(const QString& label, const QString& value);
   void ShowFault(const QString& text);

@@ -32,6 +32,8 @@ struct CPackageListing {
 
   /// The entry's type, or that it is a folder.
   const QString& TypeName(Node node) const;
+  /// Of a file.
+  std::int32_t TypeCode(Node node) const { return fContents->EntryAt(node)->TypeCode(); }
   bool IsFolder(Node node) const { return fContents->EntryAt(node) == nullptr; }
 
   QString fFolderName;

@@ -4,6 +4,7 @@
 #include <QLocale>
 #include <QStyle>
 #include <algorithm>
+#include <array>
 
 #include "Parts/TolbrookPackage/Core/Text.h"
 
@@ -98,6 +99,7 @@ bool CPackageModel::ComesBefore(Node left, Node right) const {
   };
   switch (fSortColumn) {
     case kType:
+      if (isFolder || fListing->TypeCode(left) == fListing->TypeCode(right)) return byName();
       return decide(fListing->TypeName(left), fListing->TypeName(right));
     case kSize:
       return decide(fSizes[left], fSizes[right]);

@@ -1,12 +1,9 @@
 #include "gui/package/PackageWindow.h"
 
-#include <QAction>
 #include <QCloseEvent>
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QHeaderView>
-#include <QMessageBox>
 #include <QSettings>
 #include <QShortcut>
 #include <QStatusBar>
@@ -31,38 +28,6 @@ enum EPage { kOpeningPage, kPackagePage, kFaultPage };
 constexpr int kProgressEnd = 1000;
 constexpr CPackageContents::Node kSizesAtOnce = 1000;
 
-QMessageBox::Icon IconOf(EAlertKind kind) {
-  switch (kind) {
-    case EAlertKind::kStop:
-      return QMessageBox::Critical;
-    case EAlertKind::kNote:
-      return QMessageBox::Information;
-    case EAlertKind::kWarn:
-      return QMessageBox::Warning;
-    case EAlertKind::kNone:
-      break;
-  }
-  return QMessageBox::NoIcon;
-}
-
-int ShowAlertBox(QWidget* parent, const CAlertText& alert) {
-  QMessageBox box(parent);
-  box.setIcon(IconOf(alert.fKind));
-  box.setTextFormat(Qt::PlainText);
-  box.setWindowTitle(alert.fTitle.empty() ? parent->windowTitle() : ToQt(alert.fTitle));
-  box.setText(ToQt(alert.fMessage));
-  QList<QAbstractButton*> buttons;
-  for (const std::u16string& label : alert.fButtons) {
-    buttons.append(box.addButton(ToQt(label), QMessageBox::AcceptRole));
-  }
-  // The first one listed is the careful one.
-  box.setEscapeButton(buttons.front());
-  box.setDefaultButton(qobject_cast<QPushButton*>(buttons.front()));
-  box.exec();
-  const qsizetype pressed = buttons.indexOf(box.clickedButton());
-  return alert.Answer(static_cast<std::size_t>(std::max<qsizetype>(pressed, 0)));
-}
-
 template <class Kind>
 bool IsA(const std::exception_ptr& failure) {
   try {
@@ -75,16 +40,6 @@ bool IsA(const std::exception_ptr& failure) {
 }
 
 }  // namespace
-
-CPackageDialogs CPackageDialogs::OfTheDesktop() {
-  return {[](QWidget* parent, const QString& title) {
-            return QFileDialog::getExistingDirectory(parent, title);
-          },
-          [](QWidget* parent, const QString& title, const QString& filter) {
-            return QFileDialog::getOpenFileName(parent, title, {}, filter);
-          },
-          ShowAlertBox};
-}
 
 CPackageWindow::CPackageWindow(const CTextResources& texts, CPackageDialogs dialogs)
     : fTexts(texts),
@@ -105,13 +60,15 @@ void CPackageWindow::BuildPages() {
   fOpeningLabel = new QLabel(fPages);
   fOpeningLabel->setTextFormat(Qt::PlainText);
   fOpeningLabel->setAlignment(Qt::AlignCenter);
+  fFault = new CFaultPage(fTexts, fPages);
+  connect(fFault, &CFaultPage::Closed, this, &QWidget::close);
   auto* const package = new QWidget(fPages);
   auto* const layout = new QVBoxLayout(package);
   layout->addWidget(BuildBar());
   layout->addWidget(BuildPanes(), 1);
   fPages->insertWidget(kOpeningPage, fOpeningLabel);
   fPages->insertWidget(kPackagePage, package);
-  fPages->insertWidget(kFaultPage, BuildFaultPage());
+  fPages->insertWidget(kFaultPage, fFault);
   setCentralWidget(fPages);
 }
 
@@ -157,8 +114,9 @@ QWidget* CPackageWindow::BuildPanes() {
   fColumns->setChildrenCollapsible(false);
   fColumns->addWidget(fTree);
   fColumns->addWidget(fDetails);
-  fColumns->setStretchFactor(0, 3);
-  fColumns->setStretchFactor(1, 2);
+  fColumns->setStretchFactor(0, 1);
+  fColumns->setStretchFactor(1, 0);
+  fColumns->setSizes({620, 400});
   auto* const rows = new QSplitter(Qt::Vertical, this);
   rows->setChildrenCollapsible(false);
   rows->addWidget(fColumns);
@@ -190,33 +148,6 @@ void CPackageWindow::BuildTree() {
   header->resizeSection(CPackageModel::kRatio, 9 * unit);
   connect(fTree->selectionModel(), &QItemSelectionModel::selectionChanged, this,
           &CPackageWindow::ShowChosen);
-}
-
-QWidget* CPackageWindow::BuildFaultPage() {
-  auto* const page = new QWidget(this);
-  auto* const icon = new QLabel(page);
-  icon->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxCritical).pixmap(48, 48));
-  fFaultTitle = new QLabel(page);
-  QFont font = fFaultTitle->font();
-  font.setBold(true);
-  font.setPointSizeF(font.pointSizeF() * 1.25);
-  fFaultTitle->setFont(font);
-  fFaultText = new QLabel(page);
-  auto* const close = new QPushButton(ToQt(fTexts.Text(kCloseItem)), page);
-  connect(close, &QPushButton::clicked, this, &QWidget::close);
-  auto* const layout = new QVBoxLayout(page);
-  layout->addStretch();
-  for (QLabel* const label : {icon, fFaultTitle, fFaultText}) {
-    label->setTextFormat(Qt::PlainText);
-    label->setAlignment(Qt::AlignCenter);
-    label->setWordWrap(true);
-    layout->addWidget(label);
-  }
-  fFaultText->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-  layout->addSpacing(12);
-  layout->addWidget(close, 0, Qt::AlignCenter);
-  layout->addStretch();
-  return page;
 }
 
 void CPackageWindow::BuildStatus() {
@@ -320,9 +251,7 @@ void CPackageWindow::ShowListing(std::shared_ptr<const CPackageListing> listing)
 }
 
 void CPackageWindow::ShowOpeningFault(const std::exception_ptr& failure) {
-  const CAlertText alert = AlertOfFailure(fTexts, failure, fPath.toStdString());
-  fFaultTitle->setText(ToQt(alert.fTitle));
-  fFaultText->setText(ToQt(alert.fMessage));
+  fFault->Show(AlertOfFailure(fTexts, failure, fPath.toStdString()));
   fPages->setCurrentIndex(kFaultPage);
 }
 

@@ -12,25 +12,15 @@
 #include <functional>
 #include <memory>
 
-#include "app/AlertText.h"
 #include "gui/package/BackgroundTask.h"
 #include "gui/package/DetailsPane.h"
+#include "gui/package/FaultPage.h"
+#include "gui/package/PackageDialogs.h"
 #include "gui/package/PackageJobs.h"
 #include "gui/package/PackageModel.h"
 #include "gui/package/ResultPane.h"
 
 namespace NSTambraGui {
-
-/// What the window asks the user; a test answers in the user's place.
-struct CPackageDialogs {
-  /// Both give an empty text when the user thinks better of it.
-  std::function<QString(QWidget* parent, const QString& title)> fChooseFolder;
-  std::function<QString(QWidget* parent, const QString& title, const QString& filter)> fChooseFile;
-  /// Returns the answer, as IAlertPresenter::Show.
-  std::function<int(QWidget* parent, const NSTambraPacking::CAlertText& alert)> fShowAlert;
-
-  static CPackageDialogs OfTheDesktop();
-};
 
 /// A package's entries, what there is to see of each, and what can be done with them: extract,
 /// verify, compare. Everything that reads is done beside the window's thread.
@@ -58,7 +48,6 @@ class CPackageWindow : public QMainWindow {
   void BuildPages();
   QWidget* BuildBar();
   QWidget* BuildPanes();
-  QWidget* BuildFaultPage();
   void BuildStatus();
   void BuildTree();
   void AddShortcuts();
@@ -94,8 +83,7 @@ class CPackageWindow : public QMainWindow {
 
   QStackedWidget* fPages = nullptr;
   QLabel* fOpeningLabel = nullptr;
-  QLabel* fFaultTitle = nullptr;
-  QLabel* fFaultText = nullptr;
+  CFaultPage* fFault = nullptr;
   QLineEdit* fFilter = nullptr;
   QComboBox* fTypes = nullptr;
   QPushButton* fExtract = nullptr;

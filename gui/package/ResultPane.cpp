@@ -35,6 +35,7 @@ CResultPane::CResultPane(const NSTambraPacking::CTextResources& texts, QWidget* 
                                      ToQt(texts.Text(kColumnDetail))});
   fList->setModel(fModel);
   fList->setAccessibleName(ToQt(texts.Text(kResultsList)));
+  fList->setMinimumHeight(8 * fontMetrics().height());
   fList->setRootIsDecorated(false);
   fList->setAlternatingRowColors(true);
   fList->setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -54,11 +55,18 @@ CResultPane::CResultPane(const NSTambraPacking::CTextResources& texts, QWidget* 
 
 void CResultPane::Begin(const QString& heading) {
   fModel->removeRows(0, fModel->rowCount());
+  // Without lines it takes no more room than its heading.
+  fList->hide();
+  setMaximumHeight(3 * fontMetrics().height());
   fHeading->setText(heading);
   show();
 }
 
 void CResultPane::Add(const std::vector<CResultLine>& lines) {
+  if (!lines.empty()) {
+    fList->show();
+    setMaximumHeight(QWIDGETSIZE_MAX);
+  }
   for (const CResultLine& line : lines) {
     QList<QStandardItem*> row;
     for (const QString& text : {line.fWhat, line.fName, line.fDetail}) {

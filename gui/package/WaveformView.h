@@ -1,10 +1,13 @@
 #pragma once
 
+#include <QRectF>
 #include <QWidget>
 #include <vector>
 
 #include "app/TextResources.h"
 #include "app/WaveformSummary.h"
+
+class QPainter;
 
 namespace NSTambraGui {
 
