@@ -263,6 +263,8 @@ void CMainWindow::Create() {
                                     fCommands.at(kCommandWarnExternal)->isChecked(), *this);
   connect(fRun.get(), &CPackRun::Ended, this, &CMainWindow::EndRun, Qt::QueuedConnection);
   fProgress = std::make_unique<CProgressDialog>(fTexts, *fRun, this);
+  connect(fRun.get(), &CPackRun::Closing, fProgress.get(), &CProgressDialog::Finish,
+          Qt::QueuedConnection);
   UpdateState();
   fProgress->show();
   fRun->Start();

@@ -21,6 +21,13 @@ using namespace NSTambraPacking;
 constexpr std::array kRepeating = {kAlertContinueWithout, kAlertRefersToTambra, kAlertUnsupported,
                                    kAlertRefersToTambras};
 
+/// The alerts that a run closes with.
+constexpr std::array kClosing = {kAlertPacked, kAlertPackedWithNotes, kAlertProblems};
+
+bool IsClosing(CAlertNumber number) {
+  return std::find(kClosing.begin(), kClosing.end(), number) != kClosing.end();
+}
+
 bool Repeats(CAlertNumber number) {
   return std::find(kRepeating.begin(), kRepeating.end(), number) != kRepeating.end();
 }
@@ -61,6 +68,7 @@ void CPackRun::Work() {
   try {
     Pack();
   } catch (...) {
+    emit Closing();
     fPacker.ShowFailure(std::current_exception());
   }
 }
@@ -110,6 +118,7 @@ int CPackRun::Show(CAlertNumber number, const CAlertText& alert) {
   if (const auto known = fAnswers.find(number.fEntry); known != fAnswers.end() && Repeats(number)) {
     return known->second;
   }
+  if (IsClosing(number)) emit Closing();
   int answer = 0;
   QMetaObject::invokeMethod(
       &fWindow, [&] { answer = ShowOnWindow(number, alert); }, Qt::BlockingQueuedConnection);

@@ -49,6 +49,8 @@ class CPackRun : public QObject,
   std::optional<NSTolbrook::NativePath> LogFile() const;
 
  signals:
+  /// All work is done; an alert tells what came of it.
+  void Closing();
   /// The job, its closing alert included, has come to its end.
   void Ended();
 
