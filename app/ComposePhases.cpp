@@ -42,6 +42,7 @@ void PlacePackageEntries(const CPhaseContext& context) {
 void ComposePackage(const CPhaseContext& context) {
   CPackJobState& state = context.fState;
   NSBigFilePackage::CTemporaryFile file(state.fSettings.fOutputFolder.Path());
+  file.FlushAsWritten();
   CSpecialNames names;
   const CJpegReader pictures;
   CPackageComposer composer(names, pictures, context.fJob, context.fProgress);

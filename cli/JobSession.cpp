@@ -42,7 +42,7 @@ CJobSession::CJobSession(const CGlobalOptions& global, COptions options)
       fPacker(fTexts, fPresenter, fClock) {}
 
 EExitStatus CJobSession::Run(const std::function<EExitStatus()>& work) {
-  const CStopSignal signal(&fProgress);
+  fSignal.emplace(&fProgress);
   try {
     const EExitStatus status = work();
     fView->Clear();

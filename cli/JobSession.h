@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include "app/TambraPacker.h"
 #include "app/TextResources.h"
@@ -9,6 +10,7 @@
 #include "cli/ConsoleAlertPresenter.h"
 #include "cli/ExitStatus.h"
 #include "cli/ProgressViews.h"
+#include "cli/StopSignal.h"
 #include "codecs/LQXLibrary.h"
 
 namespace NSTambraCli {
@@ -37,8 +39,9 @@ class CJobSession {
   NSTambraPacking::CTambraPacker& Packer() { return fPacker; }
   NSTambraPacking::CTambraPackProgress& Progress() { return fProgress; }
 
-  /// Does `work` while interrupts are stop requests; shows what it throws. Returns its exit status,
-  /// or that of the failure.
+  /// Does `work`, and shows what it throws. Returns its exit status, or that of the failure. From
+  /// here to the session's end interrupts are stop requests, so that one which comes too late does
+  /// not cut off the report of what was done.
   EExitStatus Run(const std::function<EExitStatus()>& work);
 
  private:
@@ -53,6 +56,7 @@ class CJobSession {
   CConsoleAlertPresenter fPresenter;
   NSTambraPacking::CTambraPackProgress fProgress;
   NSTambraPacking::CTambraPacker fPacker;
+  std::optional<CStopSignal> fSignal;
 };
 
 }  // namespace NSTambraCli

@@ -11,9 +11,18 @@ std::vector<std::string> Choices(const CLI::Option& option) {
   return CLI::detail::split(type.substr(begin + 1, end - begin - 1), ',');
 }
 
+namespace {
+
+/// With more the help's lines get too long.
+constexpr std::size_t kMostChoicesShown = 4;
+
+}  // namespace
+
 std::string ValueName(const CLI::Option& option) {
   const std::vector<std::string> choices = Choices(option);
-  if (!choices.empty()) return CLI::detail::join(choices, "|");
+  if (!choices.empty() && choices.size() <= kMostChoicesShown) {
+    return CLI::detail::join(choices, "|");
+  }
   const std::string type = option.get_type_name();
   return type.substr(0, type.find(':'));
 }

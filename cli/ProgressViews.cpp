@@ -118,7 +118,7 @@ class CPlainView : public ICliProgressView {
   std::u16string fStage;
 };
 
-/// An event for each stage, each thousandth of the bar and the package's texts.
+/// An event for each stage, each thousandth of the bar, each new time and the package's texts.
 class CJsonView : public ICliProgressView {
  public:
   explicit CJsonView(const CConsole& console) : fConsole(console) {}
@@ -136,6 +136,8 @@ class CJsonView : public ICliProgressView {
                         {"item", NSTolbrook::Utf8FromText(fItem)}});
   }
   void SetTimeLine(const std::u16string& line) override {
+    if (line == fTime) return;
+    fTime = line;
     fConsole.PrintJson({{"event", "time"}, {"text", NSTolbrook::Utf8FromText(line)}});
   }
   void SetInformation(const CPackageInformation& information) override {
@@ -150,6 +152,7 @@ class CJsonView : public ICliProgressView {
  private:
   const CConsole& fConsole;
   std::u16string fItem;
+  std::u16string fTime;
   int fPosition = -1;
 };
 

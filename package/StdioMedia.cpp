@@ -9,6 +9,12 @@ namespace NSBigFilePackage {
 using NSTolbrook::CFile;
 using NSTolbrook::NativePath;
 
+namespace {
+
+constexpr std::uint64_t kFlushInterval = 8 << 20;
+
+}  // namespace
+
 CStdioMedia::CStdioMedia(CFile file, EAccess access) : fFile(std::move(file)), fAccess(access) {}
 
 std::shared_ptr<CStdioMedia> CStdioMedia::OpenForReading(const NativePath& path) {
@@ -38,6 +44,11 @@ std::size_t CStdioMedia::Read(std::uint64_t position, std::span<std::uint8_t> de
 void CStdioMedia::Write(std::uint64_t position, std::span<const std::uint8_t> source) {
   CheckWritable();
   fFile.Write(position, source);
+  if (!fFlushesAsWritten) return;
+  fWaitingBytes += source.size();
+  if (fWaitingBytes < kFlushInterval) return;
+  fFile.BeginFlush();
+  fWaitingBytes = 0;
 }
 
 void CStdioMedia::SetSize(std::uint64_t size) {

@@ -27,6 +27,10 @@ class CStdioMedia : public IMedia {
   void SetSize(std::uint64_t size) override;
   void Flush() override;
 
+  /// From now on the system is told every few megabytes to begin with the flush, so that little is
+  /// left for Flush, which cannot be interrupted.
+  void FlushAsWritten() { fFlushesAsWritten = true; }
+
   NSTolbrook::CFile& File() { return fFile; }
 
   /// Closes the file now, so that a failure is seen (XClose). Nothing else may be called after it;
@@ -38,6 +42,8 @@ class CStdioMedia : public IMedia {
 
   NSTolbrook::CFile fFile;
   EAccess fAccess;
+  bool fFlushesAsWritten = false;
+  std::uint64_t fWaitingBytes = 0;  ///< written since the last beginning of a flush
 };
 
 }  // namespace NSBigFilePackage

@@ -60,6 +60,16 @@ void RemoveIfLeftOver(const NativePath& path) {
   }
 }
 
+/// The run's outcome does not depend on it, and the next run tries again.
+template <typename Action>
+void Try(Action action) noexcept {
+  try {
+    action();
+  } catch (const std::exception&) {
+    return;
+  }
+}
+
 }  // namespace
 
 CTemporaryFile::CTemporaryFile(const NativePath& folder) {
@@ -77,12 +87,9 @@ CTemporaryFile::CTemporaryFile(const NativePath& folder) {
 
 CTemporaryFile::~CTemporaryFile() {
   if (fCommitted) return;
-  try {
-    fMedia->Close();
-    NSTolbrook::RemoveFile(fPath);
-  } catch (const std::exception&) {
-    return;  // the run's outcome does not depend on it, and the next run tries again
-  }
+  // Each by itself: a file that does not close well can still be removed.
+  Try([this] { fMedia->Close(); });
+  Try([this] { NSTolbrook::RemoveFile(fPath); });
 }
 
 void CTemporaryFile::CommitAs(const NativePath& path) {

@@ -58,7 +58,8 @@ class Outcome:
         self.status = process.returncode
         events = [json.loads(line) for line in output.decode().splitlines()]
         self.cache = next((event for event in events if event["event"] == "cache"), None)
-        self.said = [event for event in events
+        self.said = [{key: value for key, value in event.items() if key != "seconds"}
+                     for event in events
                      if event["event"] not in ("cache", "progress", "time", "result")]
         self.packages = {path.name: path.read_bytes() for path in (BASE / out).glob("*.tmb")}
         self.logs = [path.read_bytes() for path in sorted((BASE / out).glob("*.txt"))]

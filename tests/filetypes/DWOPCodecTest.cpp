@@ -237,8 +237,10 @@ TEST(DWOPCodec, AHeaderCannotMakeTheDecoderHangOrTakeMemory) {
   }
 }
 
+using CRandom = std::independent_bits_engine<std::mt19937, 32, std::uint32_t>;
+
 /// Up to `count` values, glued from pieces of several kinds.
-CSamples GluedSignal(std::mt19937& random, unsigned width, std::size_t count) {
+CSamples GluedSignal(CRandom& random, unsigned width, std::size_t count) {
   CSamples samples;
   while (samples.size() < count) {
     const auto kind = static_cast<ESignal>(random() % static_cast<unsigned>(ESignal::kCount));
@@ -255,7 +257,7 @@ TEST(DWOPCodec, GivesBackThousandsOfStreamsInEveryForm) {
   constexpr std::size_t kLengths[] = {0, 1, 2, 4095, 4096, 4097};
   const char* const wanted = std::getenv("TAMBRA_ROUND_TRIPS");
   const int count = wanted ? std::atoi(wanted) : 300;
-  std::mt19937 random(1);
+  CRandom random(std::mt19937(1));
   for (int i = 0; i < count; ++i) {
     const CReferenceFormat format{random() % 2 + 1, random() % 2 ? 16U : 24U, 48000};
     const std::size_t length = i % 4 ? random() % 2000 | 1 : kLengths[random() % 6];

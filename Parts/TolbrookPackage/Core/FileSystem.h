@@ -114,6 +114,9 @@ class CFile {
   void SetSize(std::uint64_t size);
   /// Data and size to stable storage. Throws XWrite.
   void Flush();
+  /// Lets the system begin with that, where it can, and does not wait for it. A failure shows in
+  /// Flush.
+  void BeginFlush();
   /// Takes an exclusive lock that ends with the handle or the process; false when another holds it.
   bool TryLock();
   /// Closes now, so that a failure can be seen; throws XClose. The destructor's close is silent.

@@ -122,6 +122,13 @@ void CFile::Flush() {
   ThrowFileFailure<NSMordel::XWrite>("cannot flush the file", fPath, Failure(errno));
 }
 
+void CFile::BeginFlush() {
+#ifdef SYNC_FILE_RANGE_WRITE
+  constexpr off_t kToTheEnd = 0;
+  ::sync_file_range(static_cast<int>(fHandle), 0, kToTheEnd, SYNC_FILE_RANGE_WRITE);
+#endif
+}
+
 bool CFile::TryLock() {
   if (Repeat([&] { return ::flock(static_cast<int>(fHandle), LOCK_EX | LOCK_NB); }) == 0) {
     return true;

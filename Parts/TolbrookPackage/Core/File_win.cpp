@@ -145,6 +145,8 @@ void CFile::Flush() {
   }
 }
 
+void CFile::BeginFlush() {}
+
 bool CFile::TryLock() {
   // Locks of this system forbid access to what they cover: this one lies behind all data.
   OVERLAPPED place = PlaceOf(kGreatestOffset - 1);
