@@ -197,6 +197,12 @@ void CMainWindowTest::packsAndShowsEveryEnding() {
 void CMainWindowTest::stopsInTheMiddle() {
   const NSTest::CTemporaryFolder folder;
   WriteDemoLibrary(folder.Path() / "in");
+  // Enough of them that the run does not end before it is stopped.
+  const fs::path file = fs::directory_iterator(folder.Path() / "in/MIDI")->path();
+  fs::create_directory(folder.Path() / "in/More");
+  for (int i = 0; i < 3000; ++i) {
+    fs::copy_file(file, folder.Path() / "in/More" / (std::to_string(i) + ".mid"));
+  }
   CTestWindow window;
   window.Choose(folder.Path() / "in", folder.Path() / "out");
   int refreshed = 0;
