@@ -36,7 +36,8 @@ CFile OpenAndLock(const NativePath& path) {
     try {
       const bool isThere =
           NSTolbrook::FileStatus(path, false).fKind != NSTolbrook::EFileKind::kMissing;
-      CFile file = isThere ? CFile::OpenForUpdate(path) : CFile::Create(path, CFile::ECreate::kNew);
+      CFile file =
+          isThere ? CFile::OpenForUpdate(path) : CFile::Create(path, CFile::ECreate::kPrivate);
       if (file.TryLock() && NSTolbrook::FileStatus(path, true).fIdentity == file.Identity()) {
         return file;
       }

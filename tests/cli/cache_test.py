@@ -250,6 +250,7 @@ class CacheTest(unittest.TestCase):
         pack()
         self.assertEqual((0, {**nothing, "samples": SAMPLES - 1, "size": CACHE.stat().st_size}),
                          cache())
+        self.assertEqual(0o600, CACHE.stat().st_mode & 0o777)
         self.assertEqual(7000000, cache("--cache-limit", "7")[1]["limit"])
         self.assertEqual((0, {"file": str(CACHE), "removed": True}), cache("clear"))
         self.assertFalse(CACHE.exists())

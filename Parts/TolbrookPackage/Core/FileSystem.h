@@ -84,7 +84,7 @@ std::uint64_t ProcessNumber();
 /// An open regular file; closes itself. Move only.
 class CFile {
  public:
-  enum class ECreate { kNew, kReplace };
+  enum class ECreate { kNew, kPrivate, kReplace };
 
   CFile() = default;
   CFile(CFile&& other) noexcept;
@@ -97,7 +97,8 @@ class CFile {
   /// Opens an existing regular file for reading and writing.
   static CFile OpenForUpdate(const NativePath& path);
   /// Makes a file for reading and writing; kNew throws XAlreadyExists when the name is taken (by
-  /// a link, too) and kReplace empties a file that is there.
+  /// a link, too), as does kPrivate, whose file other users cannot read, and kReplace empties a
+  /// file that is there.
   static CFile Create(const NativePath& path, ECreate mode);
 
   bool IsOpen() const { return fHandle != kNoHandle; }

@@ -62,10 +62,9 @@ CFile CFile::Create(const NativePath& path, ECreate mode) {
     file.SetSize(0);
     return file;
   }
-  constexpr mode_t kReadWriteForAll = 0666;
-  const int number = Repeat([&] {
-    return ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kReadWriteForAll);
-  });
+  const mode_t rights = mode == ECreate::kPrivate ? 0600 : 0666;
+  const int number =
+      Repeat([&] { return ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, rights); });
   if (number < 0) ThrowFileFailure<NSMordel::XCreate>(action, path, Failure(errno));
   return CFile(number, path);
 }

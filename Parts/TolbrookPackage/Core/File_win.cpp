@@ -69,7 +69,7 @@ CFile CFile::OpenForUpdate(const NativePath& path) {
 }
 
 CFile CFile::Create(const NativePath& path, ECreate mode) {
-  const DWORD disposition = mode == ECreate::kNew ? CREATE_NEW : CREATE_ALWAYS;
+  const DWORD disposition = mode == ECreate::kReplace ? CREATE_ALWAYS : CREATE_NEW;
   return CFile(OpenRegular<NSMordel::XCreate>(path, GENERIC_READ | GENERIC_WRITE, disposition,
                                               "cannot make the file"),
                path);
