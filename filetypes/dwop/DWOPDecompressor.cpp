@@ -30,7 +30,7 @@ COptimizedDWOPDecompressor::COptimizedDWOPDecompressor(const CDWOPHeader& header
 void COptimizedDWOPDecompressor::Decode(std::span<std::int32_t> interleaved) {
   std::int32_t* output = interleaved.data();
   for (std::size_t left = interleaved.size() / fState.fChannelCount; left > 0;) {
-    if (fState.fByteCount - fState.fBit / 8 < kFewBytes && !fAtEnd) TakeWords();
+    while (fState.fByteCount - fState.fBit / 8 < kFewBytes && !fAtEnd) TakeWords();
     std::size_t done = DecodeBulk(output, left);
     if (done == 0) {
       DecodeDWOPFrame(fState, output);
