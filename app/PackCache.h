@@ -28,10 +28,10 @@ struct CCacheTicket {
   std::uint8_t fRemarks = 0;  ///< as the cache stores them
 };
 
-/// Packed files from earlier runs. What goes wrong when it is opened, looked into or filled is noted,
-/// and the run goes on without; bytes that it gave out and that cannot be read any more fail a run
-/// like those of its working file. Only what a finished package was verified with gets in, see
-/// docs/cache.md.
+/// Packed files from earlier runs. What goes wrong when it is opened, looked into or filled is
+/// noted, and the run goes on without; bytes that it gave out and that cannot be read any more fail
+/// a run like those of its working file. Only what a finished package was verified with gets in,
+/// see docs/cache.md.
 class CPackCache {
  public:
   /// Something to tell the user.
