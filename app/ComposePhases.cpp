@@ -42,7 +42,7 @@ void PlacePackageEntries(const CPhaseContext& context) {
 void ComposePackage(const CPhaseContext& context) {
   CPackJobState& state = context.fState;
   NSBigFilePackage::CTemporaryFile file(state.fSettings.fOutputFolder.Path());
-  file.FlushAsWritten();
+  file.SetFlush(NSBigFilePackage::CStdioMedia::EFlush::kAsWritten);
   CSpecialNames names;
   const CJpegReader pictures;
   CPackageComposer composer(names, pictures, context.fJob, context.fProgress);

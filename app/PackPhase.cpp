@@ -69,6 +69,7 @@ class CPackPhase {
 
   void OpenStore() {
     fState.fWorkingFile.emplace(fState.fSettings.fOutputFolder.Path());
+    fState.fWorkingFile->SetFlush(NSBigFilePackage::CStdioMedia::EFlush::kNever);
     fState.fStore = NSBigFilePackage::CBlockStore::Create(fState.fWorkingFile->Media());
     if (fState.fSettings.fCache != nullptr) fState.fSettings.fCache->Open();
   }

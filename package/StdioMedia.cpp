@@ -44,7 +44,7 @@ std::size_t CStdioMedia::Read(std::uint64_t position, std::span<std::uint8_t> de
 void CStdioMedia::Write(std::uint64_t position, std::span<const std::uint8_t> source) {
   CheckWritable();
   fFile.Write(position, source);
-  if (!fFlushesAsWritten) return;
+  if (fFlush != EFlush::kAsWritten) return;
   fWaitingBytes += source.size();
   if (fWaitingBytes < kFlushInterval) return;
   fFile.BeginFlush();
@@ -57,7 +57,7 @@ void CStdioMedia::SetSize(std::uint64_t size) {
 }
 
 void CStdioMedia::Flush() {
-  if (fAccess == EAccess::kReadWrite) fFile.Flush();
+  if (fAccess == EAccess::kReadWrite && fFlush != EFlush::kNever) fFile.Flush();
 }
 
 void CStdioMedia::Close() { fFile.Close(); }

@@ -27,9 +27,17 @@ class CStdioMedia : public IMedia {
   void SetSize(std::uint64_t size) override;
   void Flush() override;
 
-  /// From now on the system is told every few megabytes to begin with the flush, so that little is
-  /// left for Flush, which cannot be interrupted.
-  void FlushAsWritten() { fFlushesAsWritten = true; }
+  enum class EFlush {
+    kOnDemand,
+    /// The system is told every few megabytes to begin with the flush, so that little is left for
+    /// Flush, which cannot be interrupted.
+    kAsWritten,
+    /// Flush does nothing: for a file that nobody reads after a crash, and which may then never
+    /// have to reach the disk at all.
+    kNever
+  };
+  /// What holds from now on; kOnDemand before that.
+  void SetFlush(EFlush flush) { fFlush = flush; }
 
   NSTolbrook::CFile& File() { return fFile; }
 
@@ -42,7 +50,7 @@ class CStdioMedia : public IMedia {
 
   NSTolbrook::CFile fFile;
   EAccess fAccess;
-  bool fFlushesAsWritten = false;
+  EFlush fFlush = EFlush::kOnDemand;
   std::uint64_t fWaitingBytes = 0;  ///< written since the last beginning of a flush
 };
 

@@ -23,8 +23,8 @@ class CTemporaryFile {
   /// The file for reading and writing. It may outlive this object only to be destroyed: the file
   /// is closed with this object.
   SharedMedia Media() const { return fMedia; }
-  /// See CStdioMedia; for a file that is to be committed.
-  void FlushAsWritten() { fMedia->FlushAsWritten(); }
+  /// See CStdioMedia; kNever is not for a file that is to be committed.
+  void SetFlush(CStdioMedia::EFlush flush) { fMedia->SetFlush(flush); }
 
   /// Puts all that was written on stable storage and gives the file the name `path`, in place of a
   /// file that has it. `path` is on the same volume; at no time does it name a file that is not
