@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <optional>
+#include <thread>
 
 #include "app/PackPhases.h"
 #include "app/SpecialNames.h"
@@ -7,6 +9,29 @@
 #include "package/PackageFormat.h"
 
 namespace NSTambraPacking {
+
+namespace {
+
+using NSBigFilePackage::CTemporaryFile;
+
+/// Removes what was composed so far and, at the same time, the packed entries: giving back the room
+/// of large files takes a while, and a user who stopped the run waits for it.
+void RemoveBoth(std::optional<CTemporaryFile>& composed, CPackJobState& state) {
+  const auto removePacked = [&state] {
+    state.fStore.reset();
+    state.fWorkingFile.reset();
+  };
+  std::thread other;
+  try {
+    other = std::thread(removePacked);
+  } catch (const std::exception&) {
+    removePacked();  // no memory for a thread: one behind the other, then
+  }
+  composed.reset();
+  if (other.joinable()) other.join();
+}
+
+}  // namespace
 
 void ListPackageEntries(const CPhaseContext& context) {
   CPackJobState& state = context.fState;
@@ -41,14 +66,19 @@ void PlacePackageEntries(const CPhaseContext& context) {
 
 void ComposePackage(const CPhaseContext& context) {
   CPackJobState& state = context.fState;
-  NSBigFilePackage::CTemporaryFile file(state.fSettings.fOutputFolder.Path());
-  file.SetFlush(NSBigFilePackage::CStdioMedia::EFlush::kAsWritten);
-  CSpecialNames names;
-  const CJpegReader pictures;
-  CPackageComposer composer(names, pictures, context.fJob, context.fProgress);
-  state.fHeader = composer.Compose(state.fPackageEntries, *file.Media());
-  context.Report(7).CheckStop();
-  file.CommitAs(state.fOutputFile.Path());
+  std::optional<CTemporaryFile> file(std::in_place, state.fSettings.fOutputFolder.Path());
+  file->SetFlush(NSBigFilePackage::CStdioMedia::EFlush::kAsWritten);
+  try {
+    CSpecialNames names;
+    const CJpegReader pictures;
+    CPackageComposer composer(names, pictures, context.fJob, context.fProgress);
+    state.fHeader = composer.Compose(state.fPackageEntries, *file->Media());
+    context.Report(7).CheckStop();
+  } catch (...) {
+    RemoveBoth(file, state);
+    throw;
+  }
+  file->CommitAs(state.fOutputFile.Path());
   state.fPackageWritten = true;
   state.fInformation.fFileCount = state.fHeader.fFileCount;
 }
