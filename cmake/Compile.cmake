@@ -48,6 +48,11 @@ function(tambra_library name folder)
   add_library(${name} STATIC ${sources})
   target_link_libraries(${name} PUBLIC tambra_options)
   target_compile_definitions(${name} PRIVATE $<$<BOOL:${TAMBRA_AVX2}>:TAMBRA_AVX2>)
+  # What the fuzz targets find their way by.
+  if(TAMBRA_FUZZ AND NOT name MATCHES "^(cli|gui)$")
+    target_compile_options(${name} PRIVATE
+      -fsanitize-coverage=inline-8bit-counters,pc-table,indirect-calls,trace-cmp)
+  endif()
   # The standard library's headers are most of what a small file compiles: read once for all.
   if(TARGET tambra_headers AND NOT "OWN_HEADERS" IN_LIST ARGN)
     target_precompile_headers(${name} REUSE_FROM tambra_headers)

@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Builds the tests with counters, runs them and adds to the report which part of the code they run
-through: coverage_check.py BUILD_FOLDER."""
+through: coverage_check.py BUILD_FOLDER. In the build folder coverage.txt then lists the lines that no
+test reaches, and for the files whose every branch should be tried the branches, too."""
 
 import argparse
 import json
@@ -11,6 +12,10 @@ import sys
 import report
 
 FOLDERS = ("Parts/TolbrookPackage/Core", "package", "references", "codecs", "filetypes", "app")
+# A commit, the opening of a block store, and the reader of a package's index.
+EVERY_BRANCH = [f"package/{name}" for name in (
+    "BlockStore.cpp", "BlockDirectory.cpp", "BlockFile.cpp", "BlockAllocator.cpp", "PackageFormat.cpp",
+    "PackageIndex.cpp", "PackageReader.cpp")]
 TESTS = [f"{pathlib.Path(folder).name.lower()}_tests" for folder in FOLDERS]
 
 
@@ -20,10 +25,10 @@ def run(*command):
 
 def measure(build):
     """The percentages of lines and branches, by folder and over all."""
-    summary = build / "coverage.json"
+    summary, details = build / "coverage.json", build / "coverage-details.json"
     filters = [part for folder in FOLDERS for part in ("--filter", f"{report.ROOT}/{folder}/")]
     run("gcovr", "--root", report.ROOT, *filters, "--exclude-throw-branches",
-        "--exclude-unreachable-branches", "--json-summary", summary, build)
+        "--exclude-unreachable-branches", "--json-summary", summary, "--json", details, build)
     found = json.loads(summary.read_text(encoding="utf-8"))
     counts = {"lines_percent": found["line_percent"], "branches_percent": found["branch_percent"],
               "lines": found["line_total"]}
@@ -32,7 +37,24 @@ def measure(build):
         total = sum(file["line_total"] for file in files)
         covered = sum(file["line_covered"] for file in files)
         counts[f"lines_percent_of_{pathlib.Path(folder).name}"] = round(100 * covered / total, 1)
+    counts["branches"] = {file["filename"]: f"{file['branch_covered']} of {file['branch_total']}"
+                          for file in found["files"] if file["filename"] in EVERY_BRANCH}
+    missed = list(missed_lines(json.loads(details.read_text(encoding="utf-8"))["files"]))
+    (build / "coverage.txt").write_text("\n".join(missed) + "\n", encoding="utf-8")
     return counts
+
+
+def missed_lines(files):
+    """The lines that no test reached; of some files those with a way that none took, too."""
+    for file in files:
+        source = (report.ROOT / file["file"]).read_text(encoding="utf-8").splitlines()
+        for line in file["lines"]:
+            ways = [branch["count"] for branch in line["branches"]]
+            what = "line" if line["count"] == 0 else "branch" if 0 in ways else ""
+            if not line.get("gcovr/noncode") and (
+                    what == "line" or what and file["file"] in EVERY_BRANCH):
+                number = line["line_number"]
+                yield f"{what:7}{file['file']}:{number}: {source[number - 1].strip()}"
 
 
 def main():
