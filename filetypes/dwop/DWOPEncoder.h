@@ -10,7 +10,7 @@
 #include "filetypes/dwop/DWOPForm.h"
 #include "filetypes/dwop/DWOPLaneCoder.h"
 #include "filetypes/dwop/DWOPLanes.h"
-#include "filetypes/dwop/ThreadRoom.h"
+#include "filetypes/dwop/SpareRoom.h"
 
 namespace NSTambraPacking {
 
@@ -39,7 +39,7 @@ class CDWOPEncoder {
   void Finish();
 
  private:
-  CThreadRoom<CDWOPEncoderRoom> fRoom;
+  CSpareRoom<CDWOPEncoderRoom> fRoom;
   CDWOPBitWriter fWriter;
   unsigned fChannels;
   EDWOPForm fForm;

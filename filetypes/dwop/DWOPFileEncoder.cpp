@@ -14,7 +14,7 @@
 #include "filetypes/dwop/DWOPExtraInfo.h"
 #include "filetypes/dwop/PlainWAVE.h"
 #include "filetypes/dwop/SourceWithoutSamples.h"
-#include "filetypes/dwop/ThreadRoom.h"
+#include "filetypes/dwop/SpareRoom.h"
 
 namespace NSTambraPacking {
 
@@ -66,7 +66,7 @@ bool IsPlainWAVE(const IMedia& source, const CDWOPHeader& header) {
 void EncodeSamples(CAudioFile& file, CMediaCursor& output, const std::function<void()>& checkStop) {
   const unsigned channels = file.Format().fChannels;
   CDWOPEncoder encoder(output, channels);
-  const CThreadRoom<CPiece> piece;
+  const CSpareRoom<CPiece> piece;
   for (;;) {
     if (checkStop) checkStop();
     if (const auto packing = file.Packing()) {
