@@ -56,12 +56,6 @@ std::string Paint(const std::string& text, EColour colour) {
   return "\x1B[" + std::string(ColourCode(colour)) + "m" + text + "\x1B[0m";
 }
 
-void WriteLine(std::FILE* stream, std::string_view line) {
-  const bool written = std::fwrite(line.data(), 1, line.size(), stream) == line.size() &&
-                       std::fputc('\n', stream) != EOF;
-  if (!written) ThrowWriteFault();
-}
-
 /// The code point at `index`, which moves on behind it.
 utf8proc_int32_t TakeCodePoint(std::u16string_view text, std::size_t& index) {
   const auto unit = static_cast<std::uint32_t>(text[index++]);
@@ -89,7 +83,9 @@ CConsole::CConsole(bool json, bool quiet)
       fHasColours(HasColours(EStandardStream::kOutput)),
       fHasNoteColours(HasColours(EStandardStream::kError)) {}
 
-void CConsole::Print(std::string_view line) const { WriteLine(stdout, line); }
+void CConsole::Print(std::string_view line) const {
+  if (!WriteText(EStandardStream::kOutput, std::string(line) + '\n')) ThrowWriteFault();
+}
 
 std::string CConsole::Painted(const std::string& text, EColour colour) const {
   return fHasColours ? Paint(text, colour) : text;
@@ -114,8 +110,7 @@ void CConsole::Note(std::string_view line) const {
 
 void CConsole::Warn(std::string_view line) const {
   // What cannot be told on standard error cannot be told at all: nothing else is left to tell it.
-  std::fwrite(line.data(), 1, line.size(), stderr);
-  std::fputc('\n', stderr);
+  WriteText(EStandardStream::kError, std::string(line) + '\n');
 }
 
 std::size_t DisplayWidth(std::u16string_view text) {

@@ -1,12 +1,10 @@
-#include <string>
-#include <vector>
-
 #include "cli/CommandLine.h"
 #include "cli/LastResort.h"
+#include "cli/Terminal.h"
 
 int main(int argc, char** argv) {
   try {
-    return NSTambraCli::RunTambra(std::vector<std::string>(argv + 1, argv + argc));
+    return NSTambraCli::RunTambra(NSTambraCli::ProgramArguments(argc, argv));
   } catch (...) {
     return NSTambraCli::ShowLastFailure();
   }

@@ -84,10 +84,7 @@ class CTerminalView : public ICliProgressView {
     return "[" + std::string(filled, '#') + std::string(room - filled, '.') + "]" + percent;
   }
 
-  static void Write(const std::string& text) {
-    std::fwrite(text.data(), 1, text.size(), stderr);
-    std::fflush(stderr);
-  }
+  static void Write(const std::string& text) { WriteText(EStandardStream::kError, text); }
 
   std::u16string fStage;
   std::u16string fItem;

@@ -2,19 +2,26 @@
 #include <windows.h>
 
 #include "app/TambraPackProgress.h"
+#include "cli/ExitStatus.h"
 #include "cli/StopSignal.h"
 
 namespace NSTambraCli {
 
 namespace {
 
+/// The system ends a program whose window was closed after five seconds, or as soon as the handler
+/// returns.
+constexpr DWORD kCloseMilliseconds = 5000;
+
 std::atomic<bool> gRequested = false;
 std::atomic<NSTambraPacking::CTambraPackProgress*> gProgress = nullptr;
 
-/// FALSE hands the second interrupt on to the default handler, which ends the program.
-BOOL WINAPI Note(DWORD) {
-  if (gRequested.exchange(true)) return FALSE;
+/// Runs on a thread of its own. The first interrupt is noted, a second one ends the program.
+BOOL WINAPI Note(DWORD event) {
+  if (gRequested.exchange(true)) TerminateProcess(GetCurrentProcess(), kExitStopped);
   if (auto* const progress = gProgress.load()) progress->RequestStop();
+  // Meanwhile the program removes what it has begun, and ends.
+  if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) Sleep(kCloseMilliseconds);
   return TRUE;
 }
 

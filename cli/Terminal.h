@@ -3,10 +3,15 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace NSTambraCli {
 
 enum class EStandardStream { kInput, kOutput, kError };
+
+/// What the user typed behind the program's name, in UTF-8; the parameters are those of main.
+std::vector<std::string> ProgramArguments(int count, char** arguments);
 
 /// True when the stream is a terminal rather than a file or a pipe.
 bool IsTerminal(EStandardStream stream);
@@ -18,8 +23,13 @@ int TerminalWidth();
 /// `stopRequested` gives true. Reads no further than the line.
 std::optional<std::string> ReadLine(const std::function<bool()>& stopRequested);
 
-/// Makes the console take and give UTF-8 where that has to be asked for, and lets writing to a
-/// closed pipe fail instead of killing the program.
+/// Writes UTF-8 to standard output or standard error, whatever is behind it; false, with the reason
+/// in errno, when it takes no more. What goes to a file or a pipe may wait in the C library's
+/// buffer.
+bool WriteText(EStandardStream stream, std::string_view text);
+
+/// Lets the bytes of what is written stand as they are, and writing to a closed pipe fail instead
+/// of killing the program.
 void PrepareConsole();
 
 }  // namespace NSTambraCli

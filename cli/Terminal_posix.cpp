@@ -1,3 +1,4 @@
+#include <cstdio>
 #include <poll.h>
 #include <signal.h>
 #include <sys/ioctl.h>
@@ -44,6 +45,15 @@ std::optional<std::string> ReadLine(const std::function<bool()>& stopRequested) 
     line += character;
   }
   return std::nullopt;
+}
+
+std::vector<std::string> ProgramArguments(int count, char** arguments) {
+  return {arguments + 1, arguments + count};
+}
+
+bool WriteText(EStandardStream stream, std::string_view text) {
+  std::FILE* const file = stream == EStandardStream::kOutput ? stdout : stderr;
+  return std::fwrite(text.data(), 1, text.size(), file) == text.size();
 }
 
 void PrepareConsole() { signal(SIGPIPE, SIG_IGN); }

@@ -1,7 +1,6 @@
 #include "codecs/LQXLibrary.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -144,9 +143,8 @@ const char* CLQXLibrary::FileName() {
 std::unique_ptr<CLQXLibrary> CLQXLibrary::Find(const std::optional<NativePath>& option,
                                                const NativePath& programFolder) {
   if (option) return Load(*option, "named by an option");
-  const char* const variable = std::getenv(kEnvironmentVariable);
-  if (variable != nullptr && *variable != '\0') {
-    return Load(variable, std::string("named by ") + kEnvironmentVariable);
+  if (const auto named = NSTolbrook::PathInEnvironment(kEnvironmentVariable)) {
+    return Load(*named, std::string("named by ") + kEnvironmentVariable);
   }
   const NativePath beside = programFolder / FileName();
   if (NSTolbrook::FileStatus(beside, true).fKind == NSTolbrook::EFileKind::kMissing) return nullptr;

@@ -1,8 +1,13 @@
 #pragma once
 
+#include <optional>
+
 #include "Parts/TolbrookPackage/Core/FileSystem.h"
 
 namespace NSTolbrook {
+
+/// The path that a variable of the environment holds; nothing when it is not set or empty.
+std::optional<NativePath> PathInEnvironment(const char* variable);
 
 /// A shared library opened while the program runs, closed with the object. Move only.
 class CDynamicLibrary {

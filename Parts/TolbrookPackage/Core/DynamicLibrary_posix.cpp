@@ -1,3 +1,4 @@
+#include <cstdlib>
 #include <dlfcn.h>
 #include <string>
 
@@ -16,6 +17,11 @@ std::string LastFailure() {
 }
 
 }  // namespace
+
+std::optional<NativePath> PathInEnvironment(const char* variable) {
+  const char* const value = std::getenv(variable);
+  return value == nullptr || *value == '\0' ? std::nullopt : std::optional<NativePath>(value);
+}
 
 CDynamicLibrary::CDynamicLibrary(const NativePath& path)
     : fPath(std::filesystem::absolute(path)),

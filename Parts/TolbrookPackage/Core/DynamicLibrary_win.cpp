@@ -1,3 +1,4 @@
+#include <cstdlib>
 #include <string>
 #include <utility>
 
@@ -8,6 +9,12 @@ namespace NSTolbrook {
 
 namespace {
 constexpr const char* kLibraryObject = "dll";
+}
+
+std::optional<NativePath> PathInEnvironment(const char* variable) {
+  // The C library's variables are in the user's code page, which lacks most characters.
+  const wchar_t* const value = ::_wgetenv(NativePath(variable).c_str());
+  return value == nullptr || *value == L'\0' ? std::nullopt : std::optional<NativePath>(value);
 }
 
 CDynamicLibrary::CDynamicLibrary(const NativePath& path)

@@ -1,6 +1,7 @@
 #include <memory>
 
 #include "Parts/TolbrookPackage/Core/FileSystem.h"
+#include "Parts/TolbrookPackage/Core/RenameFile_win.h"
 #include "Parts/TolbrookPackage/Core/Text.h"
 #include "Parts/TolbrookPackage/Core/WindowsPath_win.h"
 
@@ -15,22 +16,6 @@ constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELE
 constexpr DWORD kLongestPath = 32768;
 
 std::u16string TextFromWide(const std::wstring& wide) { return {wide.begin(), wide.end()}; }
-
-/// A handle that is closed with the object.
-class CHandle {
- public:
-  explicit CHandle(HANDLE handle) : fHandle(handle) {}
-  CHandle(const CHandle&) = delete;
-  CHandle& operator=(const CHandle&) = delete;
-  ~CHandle() {
-    if (IsOpen()) ::CloseHandle(fHandle);
-  }
-  bool IsOpen() const { return fHandle != INVALID_HANDLE_VALUE; }
-  HANDLE Value() const { return fHandle; }
-
- private:
-  HANDLE fHandle;
-};
 
 HANDLE OpenItem(const std::wstring& path, DWORD access, DWORD flags) {
   return ::CreateFileW(path.c_str(), access, kShareAll, nullptr, OPEN_EXISTING,
@@ -61,6 +46,18 @@ bool MeansMissing(DWORD number) {
     default:
       return false;
   }
+}
+
+/// Takes the name away even while others have the file open (all of them sharing it for deletion);
+/// false where the file system does not know that.
+bool RemoveAtOnce(const std::wstring& path) {
+  // Without the flag by which folders could be opened.
+  const CHandle file(::CreateFileW(path.c_str(), DELETE, kShareAll, nullptr, OPEN_EXISTING,
+                                   FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
+  FILE_DISPOSITION_INFO_EX how{FILE_DISPOSITION_FLAG_DELETE |
+                               FILE_DISPOSITION_FLAG_POSIX_SEMANTICS};
+  return file.IsOpen() &&
+         ::SetFileInformationByHandle(file.Value(), kFileDispositionInfoEx, &how, sizeof(how)) != 0;
 }
 
 }  // namespace
@@ -149,7 +146,7 @@ NativePath CanonicalPath(const NativePath& path) {
                                       WindowsFailure(::GetLastError()));
   }
   canonical.resize(length);
-  return NativePath(canonical);
+  return NativePath(PlainPath(canonical));
 }
 
 void NSFileDetails::MakeFolder(const NativePath& folder) {
@@ -161,8 +158,7 @@ void NSFileDetails::MakeFolder(const NativePath& folder) {
 }
 
 void RenameReplacing(const NativePath& from, const NativePath& to) {
-  constexpr DWORD kFlags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
-  if (::MoveFileExW(ExtendedPath(from).c_str(), ExtendedPath(to).c_str(), kFlags) != 0) return;
+  if (Rename(ExtendedPath(from), ExtendedPath(to), ERenameOver::kFile)) return;
   const CSystemFailure failure = WindowsFailure(::GetLastError());
   try {
     ThrowFileFailure<NSMordel::XWrite>("cannot rename the file", from, failure);
@@ -173,7 +169,9 @@ void RenameReplacing(const NativePath& from, const NativePath& to) {
 }
 
 bool RemoveFile(const NativePath& path) {
-  if (::DeleteFileW(ExtendedPath(path).c_str()) != 0) return true;
+  const std::wstring name = ExtendedPath(path);
+  const bool isGone = RemoveAtOnce(name) || ::DeleteFileW(name.c_str()) != 0;
+  if (isGone) return true;
   const DWORD number = ::GetLastError();
   if (MeansMissing(number)) return false;
   ThrowFileFailure<NSMordel::XDelete>("cannot remove the file", path, WindowsFailure(number));

@@ -2,6 +2,7 @@
 #include <deque>
 
 #include "Parts/TolbrookPackage/Core/OutputFolder.h"
+#include "Parts/TolbrookPackage/Core/RenameFile_win.h"
 #include "Parts/TolbrookPackage/Core/WindowsPath_win.h"
 
 namespace NSTolbrook {
@@ -76,6 +77,12 @@ class CHeldPath {
   bool fIsWhole = false;
 };
 
+void CheckReplaceable(const NativePath& path) {
+  const EFileKind kind = FileStatus(path, false).fKind;
+  if (kind == EFileKind::kMissing || kind == EFileKind::kFile) return;
+  ThrowFileRefusal<NSMordel::XAlreadyExists>("something that is no file has the name", path);
+}
+
 NativePath NextName() {
   static std::atomic<std::uint64_t> counter = 0;
   return ".tambra-" + std::to_string(ProcessNumber()) + "-" + std::to_string(++counter) + ".tmp";
@@ -112,9 +119,10 @@ class COutputFile final : public IOutputFile {
   void CommitAs(const std::vector<std::u16string>& components, EExisting existing) override {
     fFile.Close();
     const CHeldPath target(fFolder, components, EMissing::kMake);
-    const DWORD flags = existing == EExisting::kReplace ? MOVEFILE_REPLACE_EXISTING : 0;
-    if (::MoveFileExW(ExtendedPath(fPath).c_str(), ExtendedPath(target.End()).c_str(), flags) ==
-        0) {
+    if (existing == EExisting::kReplace) CheckReplaceable(target.End());
+    const ERenameOver over =
+        existing == EExisting::kReplace ? ERenameOver::kFile : ERenameOver::kNothing;
+    if (!Rename(ExtendedPath(fPath), ExtendedPath(target.End()), over)) {
       ThrowFileFailure<NSMordel::XWrite>("cannot rename the file", target.End(),
                                          WindowsFailure(::GetLastError()));
     }

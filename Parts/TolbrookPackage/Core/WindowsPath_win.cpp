@@ -1,7 +1,9 @@
 #include "Parts/TolbrookPackage/Core/WindowsPath_win.h"
 
+#include <array>
 #include <string_view>
-#include <system_error>
+
+#include "Parts/TolbrookPackage/Core/Text.h"
 
 namespace NSTolbrook::NSFileDetails {
 
@@ -40,30 +42,70 @@ EFailure FailureKind(DWORD number) {
   }
 }
 
-}  // namespace
+constexpr std::wstring_view kLocalPrefix = L"\\\\?\\";
+constexpr std::wstring_view kNetworkPrefix = L"\\\\?\\UNC\\";
+constexpr std::wstring_view kDevicePrefix = L"\\\\.\\";
 
-CSystemFailure WindowsFailure(DWORD number) {
-  return {FailureKind(number), std::to_string(number),
-          std::system_category().message(static_cast<int>(number))};
+/// The system's words in the user's language, without the line's end.
+std::string ReasonOf(DWORD number) {
+  constexpr DWORD kFlags = FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS;
+  std::array<wchar_t, 512> text{};
+  const DWORD length = ::FormatMessageW(kFlags, nullptr, number, 0, text.data(),
+                                        static_cast<DWORD>(text.size()), nullptr);
+  std::u16string reason(text.data(), text.data() + length);
+  while (!reason.empty() && std::u16string_view(u"\r\n .").find(reason.back()) != reason.npos) {
+    reason.pop_back();
+  }
+  return reason.empty() ? "error " + std::to_string(number) : Utf8FromText(reason);
 }
 
-std::wstring ExtendedPath(const NativePath& path) {
-  constexpr std::wstring_view kLocalPrefix = L"\\\\?\\";
-  constexpr std::wstring_view kNetworkPrefix = L"\\\\?\\UNC\\";
-  constexpr std::wstring_view kDevicePrefix = L"\\\\.\\";
-  const std::wstring given = path.native();
-  if (given.starts_with(kLocalPrefix) || given.starts_with(kDevicePrefix)) return given;
-  const DWORD room = ::GetFullPathNameW(given.c_str(), 0, nullptr, nullptr);
+/// What the system makes of a path: absolute, and some names changed.
+std::wstring FullPath(const std::wstring& path) {
+  const DWORD room = ::GetFullPathNameW(path.c_str(), 0, nullptr, nullptr);
   std::wstring full(room, L'\0');
-  const DWORD length = ::GetFullPathNameW(given.c_str(), room, full.data(), nullptr);
+  const DWORD length = ::GetFullPathNameW(path.c_str(), room, full.data(), nullptr);
   if (room == 0 || length == 0 || length >= room) {
     ThrowFileFailure<NSMordel::XOpen>("cannot make the path absolute", path,
                                       WindowsFailure(::GetLastError()));
   }
   full.resize(length);
+  return full;
+}
+
+/// As FullPath, but with every name as it stands.
+std::wstring AbsolutePath(const NativePath& path) {
+  NativePath absolute = path;
+  if (!path.is_absolute()) {
+    // The folder from which the system would start: a drive has one of its own.
+    const NativePath start = FullPath(path.has_root_name() ? path.root_name().native() : L".");
+    absolute = (path.has_root_directory() ? start.root_path() : start) / path.relative_path();
+  }
+  absolute = absolute.lexically_normal().make_preferred();
+  if (!absolute.has_filename() && absolute.has_relative_path()) absolute = absolute.parent_path();
+  return absolute.native();
+}
+
+}  // namespace
+
+CSystemFailure WindowsFailure(DWORD number) {
+  return {FailureKind(number), std::to_string(number), ReasonOf(number)};
+}
+
+std::wstring ExtendedPath(const NativePath& path) {
+  const std::wstring& given = path.native();
+  if (given.starts_with(kLocalPrefix) || given.starts_with(kDevicePrefix)) return given;
+  const std::wstring full = FullPath(given);
   if (full.starts_with(kDevicePrefix)) return full;
-  if (full.starts_with(L"\\\\")) return std::wstring(kNetworkPrefix) + full.substr(2);
-  return std::wstring(kLocalPrefix) + full;
+  const std::wstring absolute = AbsolutePath(path);
+  if (absolute.starts_with(L"\\\\")) return std::wstring(kNetworkPrefix) + absolute.substr(2);
+  return std::wstring(kLocalPrefix) + absolute;
+}
+
+std::wstring PlainPath(const std::wstring& extended) {
+  if (extended.starts_with(kNetworkPrefix)) {
+    return L"\\\\" + extended.substr(kNetworkPrefix.size());
+  }
+  return extended.starts_with(kLocalPrefix) ? extended.substr(kLocalPrefix.size()) : extended;
 }
 
 }  // namespace NSTolbrook::NSFileDetails
