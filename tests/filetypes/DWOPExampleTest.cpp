@@ -1,6 +1,4 @@
-#include <fstream>
 #include <gtest/gtest.h>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -8,27 +6,12 @@
 #include "filetypes/dwop/SourceRebuilder.h"
 #include "package/MemoryMedia.h"
 #include "tests/support/AudioBuilder.h"
+#include "tests/support/DocumentedExample.h"
 
 namespace NSTambraPacking {
 namespace {
 
 using NSBigFilePackage::CMemoryMedia;
-
-/// The bytes of the example in the format's page: between an offset and ";" on each line.
-std::vector<std::uint8_t> DocumentedExample() {
-  std::ifstream page(TAMBRA_TEST_DATA "/../../docs/formats/dwop.md");
-  std::vector<std::uint8_t> bytes;
-  std::string line;
-  while (std::getline(page, line) && line != "```") continue;
-  while (std::getline(page, line) && line != "```") {
-    std::istringstream text(line.substr(0, line.find(';')));
-    std::string token;
-    if (!(text >> token)) continue;
-    EXPECT_EQ(std::stoul(token, nullptr, 16), bytes.size()) << line;
-    while (text >> token) bytes.push_back(static_cast<std::uint8_t>(std::stoi(token, nullptr, 16)));
-  }
-  return bytes;
-}
 
 TEST(DWOPExample, IsMadeAndReadToTheByte) {
   using namespace std::string_literals;
@@ -38,7 +21,7 @@ TEST(DWOPExample, IsMadeAndReadToTheByte) {
                                  .Bytes("!");
   const auto stream = std::make_shared<CMemoryMedia>();
   EncodeAudioFile(NSTest::MediaOfBytes(source), EAudioContainer::kWAVE, *stream, {});
-  EXPECT_EQ(stream->Bytes(), DocumentedExample());
+  EXPECT_EQ(stream->Bytes(), NSTest::DocumentedExample("dwop.md"));
   CMemoryMedia rebuilt;
   RebuildSource(stream, rebuilt, {});
   EXPECT_EQ(std::string(rebuilt.Bytes().begin(), rebuilt.Bytes().end()), source);

@@ -1,10 +1,9 @@
-#include <fstream>
 #include <gtest/gtest.h>
-#include <sstream>
 
 #include "package/PackageComposer.h"
 #include "package/PackageReader.h"
 #include "tests/package/PackageFixture.h"
+#include "tests/support/DocumentedExample.h"
 #include "tests/support/FailingMedia.h"
 
 namespace NSTambraPacking {
@@ -17,27 +16,11 @@ using NSTest::Entries;
 using NSTest::ExampleEntries;
 using NSTest::MakeEntry;
 
-/// The bytes of the first example in the format's page: between an offset and ";" on each line.
-Bytes DocumentedExample() {
-  std::ifstream page(TAMBRA_TEST_DATA "/../../docs/formats/package.md");
-  Bytes bytes;
-  std::string line;
-  while (std::getline(page, line) && line != "```") continue;
-  while (std::getline(page, line) && line != "```") {
-    std::istringstream text(line.substr(0, line.find(';')));
-    std::string token;
-    if (!(text >> token)) continue;
-    EXPECT_EQ(std::stoul(token, nullptr, 16), bytes.size()) << line;
-    while (text >> token) bytes.push_back(static_cast<std::uint8_t>(std::stoi(token, nullptr, 16)));
-  }
-  return bytes;
-}
-
 TEST(PackageComposerTest, DocumentedExampleIsWrittenToTheByte) {
   CComposing composing;
   CMemoryMedia output;
   const CPackageHeader header = composing.Compose(ExampleEntries(), output);
-  EXPECT_EQ(output.Bytes(), DocumentedExample());
+  EXPECT_EQ(output.Bytes(), NSTest::DocumentedExample("package.md"));
   EXPECT_EQ(output.Size(), 138u);
   EXPECT_EQ(CPackageReader(std::make_shared<CMemoryMedia>(output)).Header(), header);
   EXPECT_EQ(composing.fProgress.fReports,
@@ -187,7 +170,7 @@ TEST(PackageComposerTest, LongEntriesAreCopiedInPiecesAndCanBeStopped) {
 }
 
 TEST(PackageComposerTest, EveryFailureOfAMediumIsReported) {
-  const std::size_t length = DocumentedExample().size();
+  const std::size_t length = NSTest::DocumentedExample("package.md").size();
   for (std::size_t budget = 0; budget <= length; ++budget) {
     CComposing composing;
     NSTest::CFailingMedia output(std::make_shared<CMemoryMedia>(), 0, budget);
@@ -204,7 +187,7 @@ TEST(PackageComposerTest, WorksWithoutProgressButNotWithoutTheJobToReport) {
   NSTest::CTwoBytePictureReader pictures;
   CMemoryMedia output;
   CPackageComposer(special, pictures, nullptr, nullptr).Compose(ExampleEntries(), output);
-  EXPECT_EQ(output.Bytes(), DocumentedExample());
+  EXPECT_EQ(output.Bytes(), NSTest::DocumentedExample("package.md"));
   NSTest::CRecordingProgress progress;
   EXPECT_THROW(CPackageComposer(special, pictures, nullptr, &progress),
                NSMordel::XInvariantCorrupt);
