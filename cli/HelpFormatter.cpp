@@ -1,19 +1,30 @@
 #include "cli/HelpFormatter.h"
 
+#include <algorithm>
+
 #include "cli/OptionValue.h"
 
 namespace NSTambraCli {
 
-CHelpFormatter::CHelpFormatter() {
-  label("Positionals", "Arguments");
-  label("Subcommands", "Commands");
-}
+CHelpFormatter::CHelpFormatter() { label("Positionals", "Arguments"); }
 
 std::string CHelpFormatter::make_help(const CLI::App* app, std::string name,
                                       CLI::AppFormatMode mode) const {
   if (mode == CLI::AppFormatMode::Sub) return make_expanded(app);
   return app->get_description() + "\n\n" + make_footer(app) + "\nUsage: " + UsageLine(*app, name) +
-         "\n" + make_positionals(app) + make_groups(app, mode) + make_subcommands(app, mode);
+         "\n" + make_positionals(app) + OptionGroups(*app) + make_subcommands(app, mode);
+}
+
+std::string CHelpFormatter::OptionGroups(const CLI::App& command) const {
+  std::vector<const CLI::Option*> own = OptionsOf(command);
+  const auto common = std::ranges::stable_partition(
+      own, [](const CLI::Option* option) { return option->get_group() != kCommonOptions; });
+  const std::vector<const CLI::Option*> shared(common.begin(), common.end());
+  own.erase(common.begin(), common.end());
+  std::string text;
+  if (!own.empty()) text += make_group("Options", false, own);
+  if (!shared.empty()) text += make_group(kCommonOptions, false, shared);
+  return text;
 }
 
 std::string CHelpFormatter::make_option_opts(const CLI::Option* option) const {

@@ -11,6 +11,10 @@ class CHelpFormatter : public CLI::Formatter {
   std::string make_help(const CLI::App* app, std::string name,
                         CLI::AppFormatMode mode) const override;
   std::string make_option_opts(const CLI::Option* option) const override;
+
+ private:
+  /// The command's own options, then those of every command.
+  std::string OptionGroups(const CLI::App& command) const;
 };
 
 /// "tambra pack INPUT OUTPUT [OPTIONS]", for the command of that full name.
