@@ -58,7 +58,8 @@ void DumpPackage(const NSBigFilePackage::SharedMedia& file, const CTextResources
                  const CDumpReport& report, const std::function<void()>& checkStop) {
   NSBigFilePackage::CBufferedReader buffered(file, kPackageBufferLength);
   CFieldDump dump(buffered, 0, report);
-  const CStarts starts = DumpHeader(dump);
+  CStarts starts = DumpHeader(dump);
+  if (starts.fIndexStart > file->Size()) starts.fFileCount = 0;  // the reader tells of it below
   dump.Cursor().SetPosition(starts.fIndexStart);
   std::vector<CIndexEntry> entries;
   for (std::uint32_t i = 0; i < starts.fFileCount; ++i) {

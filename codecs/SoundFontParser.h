@@ -19,7 +19,7 @@ struct CSoundFontSample {
   std::uint32_t fStart = 0;  ///< words of the bank's sample data, as the next three
   std::uint32_t fEnd = 0;    ///< one past the last
   std::uint32_t fLoopStart = 0;
-  std::uint32_t fLoopEnd = 0;  ///< one past the last
+  std::uint32_t fLoopEnd = 0;  ///< one past the last; no loop, and any numbers, unless start < end
   std::uint32_t fRate = 0;     ///< frames a second
   std::uint8_t fKey = 0;       ///< 60 is middle C; 255 unpitched
   bool fInROM = false;         ///< in the sampler's memory: the positions are not of this file

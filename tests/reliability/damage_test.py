@@ -31,7 +31,8 @@ FILES = {
     "store": block_store(stream(), stream(2, 100, (4, 5)), stream(7, 0, ())) + bytes(2 * 56),
     "stream": SAMPLE_STREAM,
 }
-PROGRAMS = {"Package": ("package", "samples"), "Extract": ("package", "samples"), "Dump": FILES,
+PROGRAMS = {"Package": ("package", "samples"), "Extract": ("package", "samples"),
+            "Contents": ("package", "samples"), "Dump": FILES,
             "BlockStore": ("store",), "DWOP": ("stream",)}
 
 
@@ -41,7 +42,7 @@ def main():
         for name, content in FILES.items():
             (pathlib.Path(folder) / name).write_bytes(content)
         for program, names in PROGRAMS.items():
-            done = subprocess.run([pathlib.Path(sys.argv[1]) / f"{program}Damage", *names], cwd=folder,
+            done = subprocess.run([pathlib.Path(sys.argv[1]).resolve() / f"{program}Damage", *names], cwd=folder,
                                   capture_output=True, text=True, check=False)
             if done.returncode:
                 found = pathlib.Path(folder) / "found"

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """The report that the reliability tests share: a JSON file of sections, each with what one test
-counted and the commit that it ran at. Several may add to it at once. `report.py FILE` prints it."""
+counted and the commit that it ran at. Several may add to it at once. `report.py FILE...` prints it."""
 
 import fcntl
 import json
@@ -57,12 +57,12 @@ def lines_of(value, depth=0):
 
 
 def main():
-    """Prints the report of the file that was given, or of the place where it lies."""
-    file = pathlib.Path(sys.argv[1]) if len(sys.argv) > 1 else place()
-    sections = read(file)
-    if not sections:
-        sys.exit(f"there is no report in {file}")
-    print("\n".join(lines_of(sections)))
+    """Prints the reports of the files that were given, or that of the place where it lies."""
+    for file in [pathlib.Path(name) for name in sys.argv[1:]] or [place()]:
+        sections = read(file)
+        if not sections:
+            sys.exit(f"there is no report in {file}")
+        print("\n".join(lines_of(sections)))
 
 
 if __name__ == "__main__":
