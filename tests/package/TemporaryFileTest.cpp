@@ -35,15 +35,18 @@ TEST(TemporaryFileTest, LastsAsLongAsItsObject) {
 TEST(TemporaryFileTest, BecomesTheFileItWasWrittenFor) {
   const NSTest::CTemporaryFolder folder;
   const auto path = folder.Write("result", "old");
+  std::string formerName;
   {
     CTemporaryFile file(folder.Path());
     file.Media()->Write(0, std::vector<std::uint8_t>{'n', 'e', 'w'});
     EXPECT_THROW(file.CommitAs(folder.Path() / "none" / "result"), NSMordel::XNotFound);
     EXPECT_EQ(folder.ReadText("result"), "old");
     file.CommitAs(path);
+    formerName = file.Path().filename().string();
+    folder.Write(formerName, "");  // somebody else's by now
   }
   EXPECT_EQ(folder.ReadText("result"), "new");
-  EXPECT_EQ(NamesIn(folder), Names{"result"});
+  EXPECT_EQ(NamesIn(folder), (Names{"result", formerName}));
 }
 
 TEST(TemporaryFileTest, OnlyLeftoversOfTheDeadAreRemoved) {
