@@ -6,7 +6,7 @@
 
 #include "filetypes/dwop/DWOPDecodeKernels.h"
 #include "filetypes/dwop/DWOPFormat.h"
-#include "filetypes/dwop/DWOPPredictor.h"
+#include "filetypes/dwop/DWOPZigzag.h"
 
 namespace NSTambraPacking {
 

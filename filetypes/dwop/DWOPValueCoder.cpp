@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "filetypes/dwop/DWOPZigzag.h"
+
 namespace NSTambraPacking {
 
 namespace {
@@ -10,11 +12,6 @@ namespace {
 /// Values that are unpacked and coded at a time; the room for their longest codes can be reserved.
 constexpr std::size_t kPieceValues = 1024;
 static_assert(kPieceValues * kDWOPLongestCode <= CDWOPBitWriter::kMostReserved);
-
-/// Folds the sign into the lowest bit: 0, -1, 1, -2, 2 (in two's complement) become 0, 1, 2, 3, 4.
-constexpr std::uint32_t Zigzag(std::uint32_t error) {
-  return (error << 1) ^ (std::uint32_t{0} - (error >> 31));
-}
 
 /// What is to be written for one value: the error of the chosen order, folded, and its modulus.
 struct CResidual {
@@ -50,11 +47,11 @@ class CPredictor {
     fError1 = error1;
     fError2 = error2;
     fError3 = error3;
-    const std::uint32_t zigzag0 = Zigzag(value);
-    const std::uint32_t zigzag1 = Zigzag(error1);
-    const std::uint32_t zigzag2 = Zigzag(error2);
-    const std::uint32_t zigzag3 = Zigzag(error3);
-    const std::uint32_t zigzag4 = Zigzag(error4);
+    const std::uint32_t zigzag0 = ZigzagFromError(value);
+    const std::uint32_t zigzag1 = ZigzagFromError(error1);
+    const std::uint32_t zigzag2 = ZigzagFromError(error2);
+    const std::uint32_t zigzag3 = ZigzagFromError(error3);
+    const std::uint32_t zigzag4 = ZigzagFromError(error4);
     // The order with the smallest sum before this value; of equals the lowest.
     std::uint32_t sum = fSum0;
     std::uint32_t zigzag = zigzag0;
