@@ -4,8 +4,8 @@
 //
 // Settings come from the environment:
 //   FAULT_FOLDER  file operations count when their path lies below this folder
-//   FAULT_KIND    EIO, ENOSPC, EACCES, EINTR, short, rename, close, memory; kill, stop: signals;
-//                 trace: nothing fails
+//   FAULT_KIND    EIO, ENOSPC, EACCES, EINTR, short, rename, close, memory, thread; kill, stop:
+//                 signals; trace: nothing fails
 //   FAULT_AT      the number of the call that fails, from 1; 0: none
 //   FAULT_EVER    1: all calls behind it fail, too
 //   FAULT_COUNT   a file that gets the number of calls that could have failed
@@ -23,6 +23,7 @@
 #include <dlfcn.h>
 #include <execinfo.h>
 #include <fcntl.h>
+#include <pthread.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -42,6 +43,7 @@ enum ECall : unsigned {
   kStatus = 256,
   kMemory = 512,
   kList = 1024,  // the next item of a folder
+  kThread = 2048,
 };
 
 struct CKind {
@@ -66,6 +68,7 @@ constexpr CKind kKinds[] = {
     {"kill", 0, kAllFiles, SIGKILL},
     {"stop", 0, kAllFiles, SIGINT},
     {"memory", ENOMEM, kMemory},
+    {"thread", EAGAIN, kThread},
 };
 
 const char* Setting(const char* name) {
@@ -360,6 +363,12 @@ int closedir(DIR* folder) {
   static auto* const next = Next<int(DIR*)>("closedir");
   Watch(::dirfd(folder), false);
   return next(folder);
+}
+
+int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*run)(void*),
+                   void* argument) {
+  static auto* const next = Next<decltype(pthread_create)>("pthread_create");
+  return IsHit(kThread) ? gState.fKind.fNumber : next(thread, attributes, run, argument);
 }
 
 // By their other names, since what finds the next function may take memory itself.

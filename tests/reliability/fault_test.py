@@ -17,7 +17,7 @@ from trial import Trial, alerts_of, events_of
 
 # A call that is interrupted or transfers less than it was asked for is no failure at all.
 HARMLESS = ("EINTR", "short")
-KINDS = ("EIO", "ENOSPC", "EACCES", "rename", "close", "EINTR", "short", "memory")
+KINDS = ("EIO", "ENOSPC", "EACCES", "rename", "close", "EINTR", "short", "memory", "thread")
 # What reading meets, and removing: a temporary file may stay, and the next run removes it.
 STICKING = ("EIO", "EACCES")
 FAILED = 4
@@ -93,7 +93,7 @@ def run_all(options, scratch):
     """Tries all faults, several side by side; gives the report and what was wrong."""
     trials = [Trial(pathlib.Path(scratch) / str(number), options.program, options.faults,
                     options.library) for number in range(options.side_by_side)]
-    counted = {kind: trials[0].calls(kind) for kind in options.kinds}
+    counted = {kind: trials[0].calls(kind, 2 if kind == "thread" else 1) for kind in options.kinds}
     work = plan(counted, options)
 
     def do_share(number):

@@ -69,9 +69,9 @@ class Trial:
         output, error = process.communicate(timeout=TIME_LIMIT)
         return subprocess.CompletedProcess(process.args, process.returncode, output, error)
 
-    def calls(self, kind):
+    def calls(self, kind, jobs=1):
         """How many calls of a run a kind of fault can strike."""
-        done = self.run(kind)
+        done = self.run(kind, jobs=jobs)
         count = int((self.base / "count").read_text())
         if done.returncode != self.status or count == 0:
             raise SystemExit(f"{kind}: a run without faults ended with {done.returncode}, "
