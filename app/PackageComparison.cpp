@@ -19,10 +19,8 @@ CEntriesByPath ByPath(const CEntries& entries) {
   CEntriesByPath map;
   for (const auto& entry : entries) {
     if (map.emplace(entry->Path(), entry).second) continue;
-    throw NSMordel::XFormatViolation(
-        "the package holds two entries with one name",
-        {{NSMordel::kTargetObjectType, "file"},
-         {NSMordel::kTargetObjectId, NSTolbrook::Utf8FromText(entry->Path())}});
+    throw NSMordel::XFormatViolation("the package holds two entries with one name: \"" +
+                                     NSTolbrook::Utf8FromText(entry->Path()) + "\"");
   }
   return map;
 }

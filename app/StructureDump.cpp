@@ -13,6 +13,18 @@ namespace NSTambraPacking {
 
 namespace {
 
+/// Everything that is nothing else is taken for a package.
+void DumpOther(const NSBigFilePackage::SharedMedia& file, const CTextResources& texts,
+               const CDumpReport& report, const std::function<void()>& checkStop) {
+  try {
+    DumpPackage(file, texts, report, checkStop);
+  } catch (const NSMordel::XFormatViolation& e) {
+    throw NSMordel::XFormatViolation(
+        std::string("no package, DWOP stream or block store, or a damaged one: ") + e.Message(),
+        e.Context());
+  }
+}
+
 bool BeginsLikeBlockStore(const NSBigFilePackage::IMedia& file) {
   std::array<std::uint8_t, 8> bytes{};
   return file.Read(0, bytes) == bytes.size() &&
@@ -44,7 +56,7 @@ void DumpFile(const NSBigFilePackage::SharedMedia& file, EDumpedFile kind,
               const std::function<void()>& checkStop) {
   switch (kind) {
     case EDumpedFile::kPackage:
-      return DumpPackage(file, texts, report, checkStop);
+      return DumpOther(file, texts, report, checkStop);
     case EDumpedFile::kDWOPStream:
       return DumpDWOPStream(file, 0, 0, report, checkStop);
     case EDumpedFile::kBlockStore:

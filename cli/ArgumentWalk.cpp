@@ -35,6 +35,11 @@ std::vector<std::string> CommandNames(const CLI::App& command) {
   return names;
 }
 
+[[noreturn]] void ThrowNoValue(const CLI::Option& option) {
+  const std::string name = NamesOf(option).front();
+  throw XWrongUsage(name + " needs a value: " + name + " " + ValueName(option));
+}
+
 bool AnyCommandHas(const CLI::App& command, const std::string& option) {
   return std::ranges::any_of(CommandsOf(command), [&](const CLI::App* child) {
     return std::ranges::count(OptionNames(*child), option) > 0 || AnyCommandHas(*child, option);
@@ -48,7 +53,7 @@ CArgumentWalk::CArgumentWalk(const CLI::App& program)
 
 void CArgumentWalk::Take(const std::string& argument) {
   if (fOpen != nullptr) {
-    if (Find(argument) != nullptr) return CheckComplete();
+    if (argument.empty() || Find(argument) != nullptr) return CheckComplete();
     fOpen = nullptr;
   } else if (!fOptionsEnded && argument == "--") {
     fOptionsEnded = true;
@@ -56,18 +61,17 @@ void CArgumentWalk::Take(const std::string& argument) {
     TakeOption(argument);
   } else if (!CommandsOf(*fCommand).empty()) {
     TakeCommand(argument);
-  } else if (NextPositional() == nullptr) {
+  } else if (const CLI::Option* const next = NextPositional(); next == nullptr) {
     throw XWrongUsage(Quoted(argument) + " is one argument too many");
+  } else if (argument.empty()) {
+    throw XWrongUsage(next->get_name() + " is empty: " + next->get_description());
   } else {
     fPositionals.push_back(argument);
   }
 }
 
 void CArgumentWalk::CheckComplete() const {
-  if (fOpen != nullptr) {
-    throw XWrongUsage(NamesOf(*fOpen).front() + " needs a value: " + NamesOf(*fOpen).front() + " " +
-                      ValueName(*fOpen));
-  }
+  if (fOpen != nullptr) ThrowNoValue(*fOpen);
   if (fCommand->get_require_subcommand_min() > 0) {
     throw XWrongUsage("a command is missing: " + CLI::detail::join(CommandNames(*fCommand), ", "));
   }
@@ -113,8 +117,13 @@ void CArgumentWalk::TakeOption(const std::string& argument) {
   const CLI::Option* const option = Find(isLong ? name : name.substr(0, 2));
   if (option == nullptr) ThrowUnknownOption(name);
   fGiven.push_back(option);
-  const bool hasValue = argument.size() > (isLong ? name.size() : 2);
-  if (TakesValue(*option) && !hasValue) fOpen = option;
+  if (!TakesValue(*option)) return;
+  const std::size_t nameSize = isLong ? name.size() : 2;
+  if (argument.size() == nameSize) {
+    fOpen = option;
+  } else if (isLong && argument.size() == nameSize + 1) {
+    ThrowNoValue(*option);  // nothing behind the "="
+  }
 }
 
 void CArgumentWalk::ThrowUnknownOption(const std::string& name) const {

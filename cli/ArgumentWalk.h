@@ -16,7 +16,7 @@ class CArgumentWalk {
   explicit CArgumentWalk(const CLI::App& program);
 
   /// Throws XWrongUsage, with what may have been meant, for a command or option that does not
-  /// exist, an option without its value, and an argument too many.
+  /// exist, an option without its value, and an argument that is empty or one too many.
   void Take(const std::string& argument);
   /// Throws XWrongUsage when something is still missing.
   void CheckComplete() const;

@@ -30,11 +30,14 @@ bool IsSet(const char* variable) {
   return value != nullptr && *value != '\0';
 }
 
-bool HasColours(EStandardStream stream) {
+/// Whether the stream is a terminal that knows more than lines.
+bool IsScreen(EStandardStream stream) {
   const char* const terminal = std::getenv("TERM");
   const bool isDumb = terminal != nullptr && std::string_view(terminal) == "dumb";
-  return IsTerminal(stream) && !isDumb && !IsSet("NO_COLOR");
+  return IsTerminal(stream) && !isDumb;
 }
+
+bool HasColours(EStandardStream stream) { return IsScreen(stream) && !IsSet("NO_COLOR"); }
 
 const char* ColourCode(EColour colour) {
   switch (colour) {
@@ -82,6 +85,8 @@ CConsole::CConsole(bool json, bool quiet)
       fQuiet(quiet),
       fHasColours(HasColours(EStandardStream::kOutput)),
       fHasNoteColours(HasColours(EStandardStream::kError)) {}
+
+bool CConsole::Redraws() const { return IsScreen(EStandardStream::kError); }
 
 void CConsole::Print(std::string_view line) const {
   if (!WriteText(EStandardStream::kOutput, std::string(line) + '\n')) ThrowWriteFault();

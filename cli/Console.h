@@ -27,6 +27,8 @@ class CConsole {
 
   bool Json() const { return fJson; }
   bool Quiet() const { return fQuiet; }
+  /// Whether lines on standard error can be written over.
+  bool Redraws() const;
 
   /// A line of data. Throws XWrite when standard output takes no more, of these XOutputClosed for
   /// a closed pipe; what is still buffered fails in Flush. Throws XSilentAbort when the user's

@@ -55,10 +55,12 @@ void PrintEvent(const CConsole& console, const CChange& change) {
   CJson differences = CJson::Array();
   for (const CDifference& difference : change.fDifferences) {
     const bool isReference = difference.fKind == EDifference::kReferenceAdded;
+    const bool isHeader = change.fKind == CChange::EKind::kHeader;  // a text may be empty
     CJson item = {{"kind", kDifferenceNames.at(static_cast<std::size_t>(difference.fKind))}};
     if (!difference.fBefore.empty() || !difference.fAfter.empty()) {
       item.Add(isReference ? "after" : "before", Utf8FromText(difference.fBefore));
-      if (!difference.fAfter.empty()) item.Add("after", Utf8FromText(difference.fAfter));
+      if (isHeader || !difference.fAfter.empty())
+        item.Add("after", Utf8FromText(difference.fAfter));
     }
     differences.Append(item);
   }

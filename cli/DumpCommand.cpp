@@ -56,13 +56,15 @@ void PrintLine(const CConsole& console, const CDumpField& field) {
 }
 
 void PrintEvent(const CConsole& console, const CDumpField& field) {
-  console.PrintJson({{"event", field.fBytes.empty() ? "part" : "field"},
-                     {"depth", field.fDepth},
-                     {"offset", field.fOffset},
-                     {"size", field.fSize},
-                     {"name", field.fName},
-                     {"value", NSTolbrook::Utf8FromText(field.fValue)},
-                     {"hex", HexOf(field)}});
+  const bool isPart = field.fBytes.empty();
+  CJson event = {{"event", isPart ? "part" : "field"},
+                 {"depth", field.fDepth},
+                 {"offset", field.fOffset},
+                 {"size", field.fSize},
+                 {"name", field.fName},
+                 {"value", NSTolbrook::Utf8FromText(field.fValue)}};
+  if (!isPart) event.Add("hex", HexOf(field));
+  console.PrintJson(event);
 }
 
 class CDumpCommand : public CFileCommand {

@@ -1,10 +1,15 @@
 #include "cli/FailureReport.h"
 
+#include <algorithm>
+
 #include "app/FailureDetail.h"
 
 namespace NSTambraCli {
 
 namespace {
+
+/// Nothing else is ever replaced.
+const NSMordel::CContext::value_type kFileType = {NSMordel::kTargetObjectType, "file"};
 
 CJson ObjectOf(const NSMordel::CContext& context) {
   CJson object = std::initializer_list<CJson::CMember>{};
@@ -31,7 +36,11 @@ bool ReportDetail(const CConsole& console, const NSTambraPacking::CTextResources
 EExitStatus ReportTaken(const CConsole& console, const NSTambraPacking::CTextResources& texts,
                         const std::exception_ptr& failure) {
   ReportDetail(console, texts, failure);
-  if (!console.Json()) console.Note(Printable(texts.Text(NSTambraPacking::kReplaceHint)));
+  const NSTambraPacking::CFailureDetail detail = NSTambraPacking::DetailOfFailure(failure, {});
+  const bool isFile = std::ranges::count(detail.fContext, kFileType) > 0;
+  if (isFile && !console.Json()) {
+    console.Note(Printable(texts.Text(NSTambraPacking::kReplaceHint)));
+  }
   return kExitAborted;
 }
 

@@ -168,7 +168,7 @@ class CSilentView : public ICliProgressView {
 std::unique_ptr<ICliProgressView> MakeProgressView(const CConsole& console) {
   if (console.Json()) return std::make_unique<CJsonView>(console);
   if (console.Quiet()) return std::make_unique<CSilentView>();
-  if (IsTerminal(EStandardStream::kError)) return std::make_unique<CTerminalView>();
+  if (console.Redraws()) return std::make_unique<CTerminalView>();
   return std::make_unique<CPlainView>(console);
 }
 

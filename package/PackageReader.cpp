@@ -40,12 +40,10 @@ void CheckRegionStart(std::uint32_t start, const char* name, std::uint64_t heade
 void CheckInsideData(std::uint32_t offset, std::uint32_t size, std::uint64_t dataLength,
                      const std::u16string& name) {
   if (std::uint64_t{offset} + size <= dataLength) return;
-  const std::string utf8 = NSTolbrook::Utf8FromText(name);
-  throw XFormatViolation(
-      "\"" + utf8 + "\" has " + std::to_string(size) + " bytes at offset " +
-          std::to_string(offset) + ", but the package's data has only " +
-          std::to_string(dataLength) + " bytes",
-      {{NSMordel::kTargetObjectType, "file"}, {NSMordel::kTargetObjectId, utf8}});
+  throw XFormatViolation("\"" + NSTolbrook::Utf8FromText(name) + "\" has " + std::to_string(size) +
+                         " bytes at offset " + std::to_string(offset) +
+                         ", but the package's data has only " + std::to_string(dataLength) +
+                         " bytes");
 }
 
 /// Throws when entries share bytes so often that reading them all costs out of proportion.

@@ -13,9 +13,8 @@ std::vector<CEntryTree::Node> AddEntries(const std::vector<std::shared_ptr<CPack
       nodes.push_back(tree.AddFile(entry->Path(), entry->IsContainer()));
     } catch (const NSMordel::XAlreadyExists&) {
       throw NSMordel::XFormatViolation(
-          "the package holds two entries with one name, or a file with the name of a folder",
-          {{NSMordel::kTargetObjectType, "file"},
-           {NSMordel::kTargetObjectId, NSTolbrook::Utf8FromText(entry->Path())}});
+          "the package holds two entries with one name, or a file with the name of a folder: \"" +
+          NSTolbrook::Utf8FromText(entry->Path()) + "\"");
     }
   }
   return nodes;

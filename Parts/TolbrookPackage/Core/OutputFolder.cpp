@@ -11,10 +11,11 @@ void COutputFolder::CheckFree(const std::vector<std::u16string>& components,
   if (kind == EFileKind::kFile && existing == IOutputFile::EExisting::kReplace) return;
   NativePath path = fPath;
   for (const std::u16string& component : components) path /= NativeFromText(component);
+  if (kind == EFileKind::kFile) {
+    NSFileDetails::ThrowFileRefusal<NSMordel::XAlreadyExists>("the file is there already", path);
+  }
   NSFileDetails::ThrowFileRefusal<NSMordel::XAlreadyExists>(
-      kind == EFileKind::kFile ? "the file is there already"
-                               : "something that is no file has the name",
-      path);
+      "something that is no file has the name", path, NSFileDetails::kFolderObject);
 }
 
 }  // namespace NSTolbrook

@@ -94,10 +94,7 @@ std::u16string KeyOf(std::u16string_view path) {
 }
 
 [[noreturn]] void Refuse(std::u16string_view path, const std::string& fault) {
-  const std::string shown = EscapedText(path);
-  throw NSMordel::XFormatViolation(
-      "\"" + shown + "\" " + fault,
-      {{NSMordel::kTargetObjectType, "file"}, {NSMordel::kTargetObjectId, shown}});
+  throw NSMordel::XFormatViolation("\"" + EscapedText(path) + "\" " + fault);
 }
 
 /// The paths by their keys. Throws when two files have one.

@@ -19,7 +19,7 @@ std::string FaultOfPortablePath(std::u16string_view path);
 
 /// Throws XFormatViolation when a path is not plain, or when two cannot stand side by side
 /// everywhere: because they differ only in case or normalisation, or one is the other's folder. The
-/// message and "target_object_id" show the path by EscapedText.
+/// message shows the path by EscapedText.
 void CheckPortablePaths(const std::vector<std::u16string>& paths);
 
 /// UTF-8 of `text` with "\uXXXX" for every code unit of a character that is reserved for control or
