@@ -26,6 +26,7 @@ const std::vector<CAdviceKind>& AdviceKinds() {
       {EAdvice::kSamplesConverted, "samples-converted", ESeverity::kNote},
       {EAdvice::kSourceNotKept, "source-not-kept", ESeverity::kNote},
       {EAdvice::kDuplicateAudio, "duplicate-audio", ESeverity::kNote},
+      {EAdvice::kUnportableName, "unportable-name", ESeverity::kWarning},
   };
   return kinds;
 }

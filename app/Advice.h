@@ -28,6 +28,7 @@ enum class EAdvice {
   kSamplesConverted,
   kSourceNotKept,
   kDuplicateAudio,
+  kUnportableName,
 };
 
 /// From the lightest.

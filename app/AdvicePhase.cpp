@@ -43,6 +43,7 @@ class CAdvicePhase {
     AdviseOnStrayFiles(fState, fAdvice);
     AdviseOnReferencesFoundBySearch(fState, fAdvice);
     AdviseOnCase(fState, fAdvice);
+    AdviseOnNames(fState, fAdvice);
     AdviseOnSize(fState, fSampleBytes, fAdvice);
     fState.fAdvice = fAdvice.TakeSorted();
     fReport.End();

@@ -92,6 +92,14 @@ std::vector<CDifference> CompareContents(const CPackageEntry& before, const CPac
 
 }  // namespace
 
+bool HoldsReferences(const CPackageEntry& entry) {
+  if (!CFileTypeRegistry::Instance().HasReferences(entry.TypeCode())) return false;
+  CReferenceCounts references;
+  std::vector<CDifference> faults;
+  ReadsWell(EDifference::kDamagedAfter, faults, [&] { references = ReferencesOf(entry); });
+  return !references.empty();
+}
+
 void CompareNumbers(EDifference kind, std::int64_t before, std::int64_t after,
                     std::vector<CDifference>& differences) {
   if (before == after) return;

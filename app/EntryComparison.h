@@ -17,6 +17,10 @@ std::vector<CDifference> CompareSamples(const NSBigFilePackage::SharedMedia& bef
                                         const NSBigFilePackage::SharedMedia& after,
                                         const std::function<void()>& checkStop);
 
+/// Whether the entry is a patch or song with references; false when it cannot be read as one.
+/// Throws XRead.
+bool HoldsReferences(const CPackageEntry& entry);
+
 /// Notes a difference of two numbers, when there is one.
 void CompareNumbers(EDifference kind, std::int64_t before, std::int64_t after,
                     std::vector<CDifference>& differences);

@@ -3,6 +3,7 @@
 #include <set>
 #include <unordered_map>
 
+#include "Parts/TolbrookPackage/Core/PortablePath.h"
 #include "Parts/TolbrookPackage/Core/Text.h"
 
 #include "app/FileTypeNames.h"
@@ -44,6 +45,15 @@ class CSpellings {
   std::unordered_map<std::u16string, std::u16string> fFirsts;
 };
 
+/// The path up to its first component that not every system takes; empty when all do.
+std::u16string UnportablePart(const std::u16string& path) {
+  for (std::size_t end = path.find(u'/');; end = path.find(u'/', end + 1)) {
+    std::u16string part = path.substr(0, end);
+    if (!NSTolbrook::FaultOfPortablePath(part).empty()) return part;
+    if (end == std::u16string::npos) return {};
+  }
+}
+
 }  // namespace
 
 void AdviseOnStrayFiles(const CPackJobState& state, CAdviceList& advice) {
@@ -70,6 +80,17 @@ void AdviseOnCase(const CPackJobState& state, CAdviceList& advice) {
     if (!entry.TakesPart()) continue;
     const auto [path, first] = spellings.FirstClash(entry.fFile.fPath);
     if (!path.empty()) advice.Add(EAdvice::kCaseClash, path, {{"first", first}});
+  }
+}
+
+void AdviseOnNames(const CPackJobState& state, CAdviceList& advice) {
+  std::set<std::u16string> told;
+  for (const CJobEntry& entry : state.fEntries) {
+    if (!entry.TakesPart() || !entry.fFile.fFault.empty()) continue;
+    const std::u16string path = UnportablePart(entry.fFile.fPath);
+    if (path.empty() || !told.insert(path).second) continue;
+    const std::string fault = NSTolbrook::FaultOfPortablePath(path);
+    advice.Add(EAdvice::kUnportableName, path, {{"fault", NSTolbrook::TextFromUtf8(fault)}});
   }
 }
 

@@ -15,6 +15,9 @@ void AdviseOnReferencesFoundBySearch(const CPackJobState& state, CAdviceList& ad
 /// first. Files that lie in folders of two spellings part on some systems and meet on others.
 void AdviseOnCase(const CPackJobState& state, CAdviceList& advice);
 
+/// Files and folders with names that extract refuses to write.
+void AdviseOnNames(const CPackJobState& state, CAdviceList& advice);
+
 /// A package that will take more than nine tenths of what its offsets can count. `sampleBytes` is
 /// what its samples will take, about.
 void AdviseOnSize(const CPackJobState& state, std::uint64_t sampleBytes, CAdviceList& advice);

@@ -24,6 +24,7 @@ class COpenSample {
     Guard([this] {
       NSBigFilePackage::CMediaCursor input(*fStream);
       fHeader = ReadDWOPHeader(input);
+      fRemaining = fHeader.fLength;
       fBitStream = input.Position();
       fDecompressor =
           std::make_unique<COptimizedDWOPDecompressorFromMedia>(fHeader, *fStream, fBitStream);
@@ -33,14 +34,21 @@ class COpenSample {
   const CDWOPHeader& Header() const { return fHeader; }
   const std::optional<std::string>& Fault() const { return fFault; }
 
-  std::span<const std::int32_t> Decode(std::size_t frames) {
-    fSamples.assign(frames * fHeader.fChannels, 0);
+  /// The next piece; empty at the end.
+  std::span<const std::int32_t> Decode() {
+    const auto frames = std::min<std::uint32_t>(fRemaining, kDWOPBlockFrames);
+    fRemaining -= frames;
+    fSamples.assign(std::size_t{frames} * fHeader.fChannels, 0);
     Guard([this] { fDecompressor->Decode(fSamples); });
     return fSamples;
   }
 
-  /// All frames must have been decoded.
-  void FindExtraInfo() {
+  /// Decodes what is left: the extra info stands behind it.
+  void FindExtraInfo(const std::function<void()>& checkStop) {
+    while (!fFault && fRemaining > 0) {
+      if (checkStop) checkStop();
+      Decode();
+    }
     Guard([this] {
       const std::uint64_t end = fBitStream + fDecompressor->WordsConsumed() * sizeof(std::uint32_t);
       if (const auto block = ReadExtraInfo(*fStream, end)) {
@@ -69,6 +77,7 @@ class COpenSample {
 
   SharedMedia fStream;
   CDWOPHeader fHeader;
+  std::uint32_t fRemaining = 0;  ///< frames
   std::uint64_t fBitStream = 0;
   std::unique_ptr<COptimizedDWOPDecompressorFromMedia> fDecompressor;
   std::vector<std::int32_t> fSamples;
@@ -84,7 +93,8 @@ class CSampleComparison {
 
   std::vector<CDifference> Compare() {
     if (!IsDamaged()) CompareForm();
-    if (!IsDamaged() && fDifferences.empty() && CompareSound()) CompareExtraInfo();
+    if (!IsDamaged() && fDifferences.empty()) CompareSound();
+    CompareExtraInfo();
     if (IsDamaged()) return Faults();
     CompareMetadata();
     // The same samples and everything else the same, written in other bytes.
@@ -131,26 +141,21 @@ class CSampleComparison {
     Compare(EDifference::kLoopEnd, before.fLoopEnd, after.fLoopEnd);
   }
 
-  /// True when all samples are the same; both streams are of one form.
-  bool CompareSound() {
-    for (std::uint32_t remaining = fBefore.Header().fLength; remaining > 0;) {
+  /// Both streams are of one form. Ends at the first difference.
+  void CompareSound() {
+    while (!IsDamaged()) {
       if (fCheckStop) fCheckStop();
-      const std::size_t frames = std::min<std::size_t>(remaining, kDWOPBlockFrames);
-      const auto before = fBefore.Decode(frames);
-      const auto after = fAfter.Decode(frames);
-      if (IsDamaged()) return false;
-      if (!std::ranges::equal(before, after)) {
-        Add(EDifference::kSound);
-        return false;
-      }
-      remaining -= static_cast<std::uint32_t>(frames);
+      const auto before = fBefore.Decode();
+      const auto after = fAfter.Decode();
+      if (before.empty()) return;
+      if (!IsDamaged() && !std::ranges::equal(before, after)) return Add(EDifference::kSound);
     }
-    return true;
   }
 
   void CompareExtraInfo() {
-    fBefore.FindExtraInfo();
-    fAfter.FindExtraInfo();
+    fBefore.FindExtraInfo(fCheckStop);
+    fAfter.FindExtraInfo(fCheckStop);
+    if (IsDamaged()) return;
     const SharedMedia& before = fBefore.ExtraInfo();
     const SharedMedia& after = fAfter.ExtraInfo();
     if (!before && !after) return;

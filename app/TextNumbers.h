@@ -109,6 +109,7 @@ inline constexpr CStringNumber kExtractionDamaged{128, 364};
 inline constexpr CStringNumber kStructureSound{128, 365};
 inline constexpr CStringNumber kNoDifferences{128, 366};
 inline constexpr CStringNumber kDifferenceCount{128, 367};
+inline constexpr CStringNumber kExtractedRelocated{128, 368};
 /// Of the first kind of difference, those of the others follow it.
 inline constexpr CStringNumber kFirstDifference{128, 370};
 inline constexpr CStringNumber kSampleFrames{128, 390};

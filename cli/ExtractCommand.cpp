@@ -1,6 +1,7 @@
 #include "Parts/TolbrookPackage/Core/Exception.h"
 #include "Parts/TolbrookPackage/Core/Text.h"
 
+#include "app/EntryComparison.h"
 #include "app/PackageExtractor.h"
 #include "cli/Commands.h"
 #include "cli/ExitStatus.h"
@@ -19,10 +20,10 @@ using NSTambraPacking::CTextResources;
 using NSTolbrook::TextFromUtf8;
 using NSTolbrook::Utf8FromText;
 
-const char* StateName(CExtractedEntry::EKind kind) {
+const char* StateName(CExtractedEntry::EKind kind, bool isRelocated) {
   switch (kind) {
     case CExtractedEntry::EKind::kWhole:
-      return "whole";
+      return isRelocated ? "relocated" : "whole";
     case CExtractedEntry::EKind::kDifferent:
       return "different";
     case CExtractedEntry::EKind::kDamaged:
@@ -44,10 +45,12 @@ class CExtractionReport {
   void Done(const NSTambraPacking::CPackageEntry& entry, const CExtractedEntry& outcome) {
     const bool isDamaged = outcome.fKind == CExtractedEntry::EKind::kDamaged;
     ++(isDamaged ? fDamaged : fWritten);
+    const bool isRelocated = NSTambraPacking::HoldsReferences(entry);
+    if (isRelocated) ++fRelocated;
     if (fConsole.Json()) {
       CJson event = {{"event", "file"},
                      {"path", Utf8FromText(entry.Path())},
-                     {"state", StateName(outcome.fKind)}};
+                     {"state", StateName(outcome.fKind, isRelocated)}};
       if (!outcome.fReason.empty()) event.Add("reason", outcome.fReason);
       fConsole.PrintJson(event);
     } else if (outcome.fKind != CExtractedEntry::EKind::kWhole) {
@@ -71,13 +74,18 @@ class CExtractionReport {
                           {"damaged", fDamaged}});
       return status;
     }
-    const std::u16string written = TextFromUtf8(std::to_string(fWritten));
-    fConsole.Note(
-        Printable(fTexts.Text(NSTambraPacking::kDemoWritten, {written, TextFromUtf8(folder)})));
+    const auto line = [this](NSTambraPacking::CStringNumber number,
+                             const std::vector<std::u16string>& arguments) {
+      return Printable(fTexts.Text(number, arguments));
+    };
+    const auto count = [](std::size_t files) { return TextFromUtf8(std::to_string(files)); };
+    if (fRelocated > 0) {
+      fConsole.Note(line(NSTambraPacking::kExtractedRelocated, {count(fRelocated)}));
+    }
+    fConsole.Note(line(NSTambraPacking::kDemoWritten, {count(fWritten), TextFromUtf8(folder)}));
     if (fDamaged > 0) {
-      fConsole.Warn(Printable(fTexts.Text(NSTambraPacking::kExtractionDamaged,
-                                          {TextFromUtf8(std::to_string(fDamaged)),
-                                           TextFromUtf8(std::to_string(fDamaged + fWritten))})));
+      fConsole.Warn(
+          line(NSTambraPacking::kExtractionDamaged, {count(fDamaged), count(fDamaged + fWritten)}));
     }
     return status;
   }
@@ -89,6 +97,7 @@ class CExtractionReport {
   std::uint64_t fDone = 0;
   std::unique_ptr<ICliProgressView> fView;
   std::size_t fWritten = 0;
+  std::size_t fRelocated = 0;
   std::size_t fDamaged = 0;
 };
 

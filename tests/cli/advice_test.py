@@ -67,6 +67,8 @@ FILES = {
     "Bad/click.wav": wave(sine(20), loop=(1000, 5100)),
     "Bad/offset.wav": wave(sine(110, offset=0.02)),
     "Bad/無音.wav": wave([1 / 32768, 0] * 4000),
+    "Bad/was?/eins.wav": wave([0.2] * 300),
+    "Bad/was?/zwei.wav": wave([0.3] * 300),
     "Copy/twin.wav": wave(TONE, bits=24, junk=chunk(b"LIST", b"INFO")),
     "Fine/normal.wav": wave(sine(20, 1.0)),
     "Fine/pulse.wav": wave([1.0 if i // 40 % 2 else -1.0 for i in range(8000)]),
@@ -95,11 +97,13 @@ Loops that click (warning: loop-click):
     Bad/click.wav  jump of X % of full scale, X % at most elsewhere; loop 1000 to 5100
 Samples without the root key that their neighbours have (warning: missing-root-key):
     Keys/55.wav  4 of the 5 samples in the folder have one
+Names that not every system can store (warning: unportable-name):
+    Bad/was?  holds one of the reserved characters \\ : * ? " < > |
 Samples that are converted (note: samples-converted):
     Bad/float.wav  32 bits, packed as 24 bits
 The same audio twice (note: duplicate-audio):
     Fine/tone.wav  the same as “Copy/twin.wav”
-21 files can be packed. Advice: 0 errors, 7 warnings, 2 notes.""".splitlines()
+23 files can be packed. Advice: 0 errors, 8 warnings, 2 notes.""".splitlines()
 
 
 class AdviceTest(unittest.TestCase):
@@ -133,11 +137,11 @@ class AdviceTest(unittest.TestCase):
         rules = BASE / "rules"
         local = BASE / "Library/.tambra-check"
         cases = [  # rules in the folder, of the option, --fail-on, status, ids that are left
-            ("", "", "error", 0, 9), ("", "", "warning", 3, 9), ("", "", "note", 3, 9),
+            ("", "", "error", 0, 10), ("", "", "warning", 3, 10), ("", "", "note", 3, 10),
             ("off * Bad/*", "", "warning", 3, 3), ("off *", "", "note", 0, 0),
             ("off *", "error loop-click Bad/*.wav", "error", 3, 1),
-            ("# all\r\n\r\nnote\t*\nwarning dc-offset Bad/?ffset.wav", "", "warning", 3, 9),
-            ("error loop-click Fine/*", "", "error", 0, 9)]
+            ("# all\r\n\r\nnote\t*\nwarning dc-offset Bad/?ffset.wav", "", "warning", 3, 10),
+            ("error loop-click Fine/*", "", "error", 0, 10)]
         for local_text, text, fail_on, expected, kinds in cases:
             local.write_text(local_text)
             rules.write_text(text)
@@ -146,7 +150,7 @@ class AdviceTest(unittest.TestCase):
             events = [json.loads(line) for line in output]
             found = {e["id"] for e in events if e["event"] == "advice"}
             self.assertEqual((status, len(found), events[-1]),
-                             (expected, kinds, {"event": "result", "status": expected, "files": 21}),
+                             (expected, kinds, {"event": "result", "status": expected, "files": 23}),
                              (local_text, text, fail_on))
         local.unlink()
         for text, fault in (("note", '"" is no kind of advice'),
