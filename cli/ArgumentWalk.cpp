@@ -116,9 +116,15 @@ void CArgumentWalk::TakeOption(const std::string& argument) {
   const std::string name = argument.substr(0, argument.find('='));
   const CLI::Option* const option = Find(isLong ? name : name.substr(0, 2));
   if (option == nullptr) ThrowUnknownOption(name);
+  const std::size_t nameSize = isLong ? name.size() : 2;
+  if (!TakesValue(*option) && argument.size() > nameSize) {
+    throw XWrongUsage(name + " takes no value");
+  }
+  if (option->get_items_expected_max() == 1 && Has(*option)) {
+    throw XWrongUsage(name + " is given twice");
+  }
   fGiven.push_back(option);
   if (!TakesValue(*option)) return;
-  const std::size_t nameSize = isLong ? name.size() : 2;
   if (argument.size() == nameSize) {
     fOpen = option;
   } else if (isLong && argument.size() == nameSize + 1) {

@@ -51,6 +51,8 @@ class UsageTest(unittest.TestCase):
                 (["pack", "a", ""], " pack", "OUTPUT is empty: The folder for the package and the log"),
                 (["check", "a", "--overrides", ""], " check", "--overrides needs a value: --overrides FILE"),
                 (["check", "a", "--overrides="], " check", "--overrides needs a value: --overrides FILE"),
+                (["check", "a", "--jobs", "2", "--jobs=3"], " check", "--jobs is given twice"),
+                (["list", "a", "--json=no"], " list", "--json takes no value"),
                 (["pack", "--jbos"], " pack", '"--jbos" is no option; did you mean --jobs?'),
                 (["pack", "a", "b", "--repalce=x"], " pack", '"--repalce" is no option; did you mean --replace?'),
                 (["pack", "a", "b", "-j"], " pack", '"-j" is no option'),
