@@ -1,16 +1,46 @@
 #include "cli/CacheOptions.h"
 
+#include <charconv>
+#include <cstdlib>
+#include <string>
+
 #include "Parts/TolbrookPackage/Core/Text.h"
 
 namespace NSTambraCli {
+
+namespace {
+
+constexpr unsigned kUsualMegabytes = 4000;
+constexpr unsigned kMostMegabytes = 1'000'000;
+constexpr const char* kVariable = "TAMBRA_CACHE_LIMIT";
+
+/// The parser's own look at the environment would fail commands that have no such option.
+unsigned MegabytesOfEnvironment() {
+  const char* const variable = std::getenv(kVariable);
+  const std::string given = variable == nullptr ? "" : variable;
+  if (given.empty()) return kUsualMegabytes;
+  unsigned megabytes = 0;
+  const char* const end = given.data() + given.size();
+  const auto parsed = std::from_chars(given.data(), end, megabytes);
+  if (parsed.ec == std::errc{} && parsed.ptr == end && megabytes <= kMostMegabytes) {
+    return megabytes;
+  }
+  throw XWrongUsage(std::string(kVariable) + ": \"" + given + "\" is no number from 0 to " +
+                    std::to_string(kMostMegabytes));
+}
+
+}  // namespace
 
 void CCacheLimit::AddOption(CLI::App& command) {
   command
       .add_option("--cache-limit", fMegabytes,
                   "Most megabytes that the cache of packed samples takes (default: 4000)")
       ->type_name("MB")
-      ->envname("TAMBRA_CACHE_LIMIT")
-      ->check(CLI::Range(0U, 1'000'000U));
+      ->check(CLI::Range(0U, kMostMegabytes));
+}
+
+std::uint64_t CCacheLimit::Bytes() const {
+  return std::uint64_t{fMegabytes ? *fMegabytes : MegabytesOfEnvironment()} * 1'000'000;
 }
 
 NSTolbrook::NativePath CacheFolder() { return NSTolbrook::UserCacheFolder() / "tambra"; }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
 #include "app/PackCache.h"
 #include "app/TextResources.h"
@@ -13,10 +14,11 @@ namespace NSTambraCli {
 class CCacheLimit {
  public:
   void AddOption(CLI::App& command);
-  std::uint64_t Bytes() const { return std::uint64_t{fMegabytes} * 1'000'000; }
+  /// Throws XWrongUsage when the environment counts and holds no such number.
+  std::uint64_t Bytes() const;
 
  private:
-  unsigned fMegabytes = 4000;
+  std::optional<unsigned> fMegabytes;
 };
 
 /// Where the cache is: "tambra" in the user's cache folder. Throws XNotFound when there is none.

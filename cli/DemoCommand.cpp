@@ -20,15 +20,16 @@ CLI::App* CDemoCommand::Register(CLI::App& program) {
 
 int CDemoCommand::Run(const CGlobalOptions& options) {
   const CConsole console = options.Console();
+  const NSTambraPacking::CTextResources texts = LoadTexts(options);
   const NSTolbrook::NativePath folder = PathArgument(fFolder);
   const std::size_t count = NSTambraPacking::WriteDemoLibrary(folder);
   if (console.Json()) {
     console.PrintJson({{"folder", NSTolbrook::DisplayText(folder)}, {"files", count}});
     return kExitDone;
   }
-  console.Note(Printable(LoadTexts(options).Text(
-      NSTambraPacking::kDemoWritten, {NSTolbrook::TextFromUtf8(std::to_string(count)),
-                                      NSTolbrook::TextFromUtf8(NSTolbrook::DisplayText(folder))})));
+  console.Note(Printable(texts.Text(NSTambraPacking::kDemoWritten,
+                                    {NSTolbrook::TextFromUtf8(std::to_string(count)),
+                                     NSTolbrook::TextFromUtf8(NSTolbrook::DisplayText(folder))})));
   return kExitDone;
 }
 

@@ -256,6 +256,10 @@ class CacheTest(unittest.TestCase):
         self.assertFalse(CACHE.exists())
         self.assertEqual((0, {"file": str(CACHE), "removed": False}), cache("clear"))
         self.assertEqual(2, cache("burn")[0])
+        much = {"TAMBRA_CACHE_LIMIT": "much"}
+        self.assertEqual((2, 0), (cache(**much)[0], cache("--cache-limit", "7", **much)[0]))
+        other = [PROGRAM, "check", "--list-advice", "--quiet"]  # has nothing to do with the cache
+        self.assertEqual(0, subprocess.run(other, env={**ENVIRONMENT, **much}, capture_output=True).returncode)
 
 
 if __name__ == "__main__":

@@ -205,6 +205,11 @@ class CommandLineTest(unittest.TestCase):
             self.assertEqual(error, [])
             self.assertTrue(all(map(json.loads, output)) and output, arguments)
         self.assertEqual(tambra("list", f"out/{PACKAGE}", "--json")[1][0].count('"path"'), 60)
+        harmful = "\x1b\x7f\x85\x9b\u2028\u2029"  # to terminals and readers of lines
+        package("harmful.tmb", [(harmful + " \u00a0\u202aé\U0001f941", 8, b"x")])
+        status, output, error = tambra("list", "harmful.tmb", "--json")
+        self.assertEqual(json.loads(output[0])["entries"][0]["path"], harmful + " \u00a0\u202aé\U0001f941")
+        self.assertFalse(set(harmful) & set(output[0]))
 
     def test_a_package_is_replaced_only_when_told(self):
         pack = ["pack", "demo", "again", "--quiet"]
@@ -270,6 +275,8 @@ class CommandLineTest(unittest.TestCase):
         self.assertEqual(tambra("pack", "demo", "demo/out")[0], 4)
         self.assertFalse((BASE / "demo/out").exists())
         self.assertEqual(tambra("list", f"out/{PACKAGE}", "--texts", "nothing")[0], 4)
+        self.assertEqual(tambra("demo", "nodemo", "--texts", "nothing")[0], 4)
+        self.assertFalse((BASE / "nodemo").exists())
 
     def test_a_closed_pipe_is_quiet(self):
         for arguments in (["list", f"out/{PACKAGE}", "--quiet"], ["pack", "demo", "pipe", "--json"]):
