@@ -18,7 +18,7 @@ namespace {
 
 using NSTambraPacking::EPackEnding;
 
-const char* EndingName(EPackEnding ending) {
+std::string_view EndingName(EPackEnding ending) {
   switch (ending) {
     case EPackEnding::kPacked:
       return "packed";
@@ -31,7 +31,7 @@ const char* EndingName(EPackEnding ending) {
 }
 
 /// Says where the results are.
-void ReportFiles(CJobSession& session, const char* ending, EExitStatus status) {
+void ReportFiles(CJobSession& session, std::string_view ending, EExitStatus status) {
   const NSTambraPacking::CPackJobState* const state = session.Packer().State();
   const std::string log = state != nullptr && state->fLogFile
                               ? NSTolbrook::DisplayText(state->fLogFile->Path())
@@ -49,12 +49,15 @@ void ReportFiles(CJobSession& session, const char* ending, EExitStatus status) {
     console.PrintJson(event);
     return;
   }
-  const auto note = [&](NSTambraPacking::CStringNumber number, const std::string& path) {
-    if (path.empty()) return;
-    console.Note(Printable(session.Texts().Text(number, {NSTolbrook::TextFromUtf8(path)})));
+  const auto line = [&](NSTambraPacking::CStringNumber number, const std::string& path) {
+    return Printable(session.Texts().Text(number, {NSTolbrook::TextFromUtf8(path)}));
   };
-  note(NSTambraPacking::kTambraFile, package);
-  note(NSTambraPacking::kLogFile, log);
+  if (isWritten) console.Note(line(NSTambraPacking::kTambraFile, package));
+  if (log.empty()) return;
+  // All other endings have alerts that tell the user to look at the log.
+  const bool isNote = ending == EndingName(EPackEnding::kPacked);
+  const std::string logLine = line(NSTambraPacking::kLogFile, log);
+  isNote ? console.Note(logLine) : console.Warn(logLine);
 }
 
 /// What is wrong with an --answer; nothing when it is right.
@@ -140,7 +143,7 @@ int CPackCommand::Run(const CGlobalOptions& options) {
   settings.fSlicedLoopLibrary = session.LoopLibrary();
   const std::unique_ptr<NSTambraPacking::CPackCache> cache = MakeCache();
   settings.fCache = cache.get();
-  const char* ending = nullptr;
+  std::string_view ending;
   const EExitStatus status = session.Run([&] {
     NSTambraPacking::CPackageInformation information;
     const EPackEnding packed = session.Packer().Run(settings, information, session.Progress());
@@ -151,10 +154,10 @@ int CPackCommand::Run(const CGlobalOptions& options) {
     NoteReasons(session.Console(), session.Texts(), *state);
     NoteRemarks(session.Console(), session.Texts(), *state);
     const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
-    if (ending != nullptr) NoteSummary(session.Console(), session.Texts(), *state, time.count());
+    if (!ending.empty()) NoteSummary(session.Console(), session.Texts(), *state, time.count());
   }
   if (cache != nullptr) NoteCache(session.Console(), session.Texts(), *cache);
-  ReportFiles(session, ending == nullptr ? StatusName(status) : ending, status);
+  ReportFiles(session, ending.empty() ? StatusName(status) : ending, status);
   return status;
 }
 

@@ -237,6 +237,9 @@ class CommandLineTest(unittest.TestCase):
         self.assertEqual(output[:2], ["Failed validating:", "    bad.mid"])
         self.assertRegex(output[2], "^ {8}.*offset")
         self.assertEqual(tree(broken), before)
+        error = tambra("pack", "Stray", "quiet", "--quiet")[2]
+        self.assertRegex(error.pop(), r"^Log file: quiet/Stray packing log .*\.txt$")
+        self.assertEqual(error[:2], [UNKNOWN, "[Cancel]"])
         self.expect(["check", "Stray", "--quiet"], 3,
                     ["Failed validating:", "    stray.png", "        No verifier found for format",
                      "Files of a type that is not packed (error: stray-file):", "    stray.png"],
