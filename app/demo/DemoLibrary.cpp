@@ -63,8 +63,11 @@ class CNewFiles {
       missing.push_back(path);
       if (path == path.parent_path()) break;
     }
-    fMade.insert(fMade.end(), missing.rbegin(), missing.rend());
-    NSTolbrook::MakeFolders(folder);
+    for (auto path = missing.rbegin(); path != missing.rend(); ++path) {
+      const auto kind = NSTolbrook::FileStatus(*path, false).fKind;
+      NSTolbrook::MakeFolders(*path);
+      if (kind == NSTolbrook::EFileKind::kMissing) fMade.push_back(*path);
+    }
   }
 
   void WriteFile(const NativePath& path, const std::vector<std::uint8_t>& bytes) {

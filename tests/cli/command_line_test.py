@@ -280,6 +280,12 @@ class CommandLineTest(unittest.TestCase):
         self.assertEqual(tambra("list", f"out/{PACKAGE}", "--texts", "nothing")[0], 4)
         self.assertEqual(tambra("demo", "nodemo", "--texts", "nothing")[0], 4)
         self.assertFalse((BASE / "nodemo").exists())
+        (BASE / "notes.txt").write_bytes(b"mine")
+        (BASE / "nowhere").symlink_to("gone")
+        for folder in ("notes.txt/a/b", "notes.txt", "nowhere", "nowhere/a"):
+            self.assertEqual(tambra("demo", folder)[0], 4)
+        self.assertEqual((BASE / "notes.txt").read_bytes(), b"mine")
+        self.assertTrue((BASE / "nowhere").is_symlink())
 
     def test_a_closed_pipe_is_quiet(self):
         for arguments in (["list", f"out/{PACKAGE}", "--quiet"], ["pack", "demo", "pipe", "--json"]):
