@@ -96,6 +96,14 @@ TEST_F(BlockStoreTest, TheLastGenerationCannotBeFollowed) {
   EXPECT_THROW(CBlockStore::Open(fMedia)->Commit(), NSMordel::XOutOfItems);
 }
 
+TEST_F(BlockStoreTest, TheLastIdentifierCannotBeFollowed) {
+  CBlockFile file = CBlockFile::Open(fMedia);
+  const std::uint64_t chain[] = {0};
+  WriteDirectoryChain(file, chain, SerialiseDirectory({{0xFFFFFFFF, {}}}));
+  file.WriteRootSlot(1, {100, 0});
+  EXPECT_THROW(CBlockStore::Open(fMedia)->NewStream(), NSMordel::XOutOfItems);
+}
+
 TEST_F(BlockStoreTest, StreamsBehaveLikeMemory) {
   const bool equal = rc::check([] {
     const auto media = std::make_shared<CMemoryMedia>();
