@@ -33,7 +33,9 @@ bool HasVersion2Fields(const CDWOPHeader& header) {
 }
 
 void CheckVersion(const NSTolbrook::CFormatVersion& version) {
-  const std::string text = "a DWOP stream has version " + version.Text();
+  const std::string text = "a DWOP stream has version " + version.Text() +
+                           "; the major version can be " + std::to_string(kOldestDWOPMajor) +
+                           " to " + std::to_string(kNewestDWOPMajor);
   if (version.fMajor < kOldestDWOPMajor) throw NSMordel::XVersionTooOld(text);
   if (version.fMajor > kNewestDWOPMajor) throw NSMordel::XVersionTooNew(text);
 }
