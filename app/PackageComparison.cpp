@@ -3,6 +3,7 @@
 #include <map>
 
 #include "Parts/TolbrookPackage/Core/Exception.h"
+#include "Parts/TolbrookPackage/Core/PortablePath.h"
 #include "Parts/TolbrookPackage/Core/Text.h"
 
 #include "app/EntryComparison.h"
@@ -20,7 +21,7 @@ CEntriesByPath ByPath(const CEntries& entries) {
   for (const auto& entry : entries) {
     if (map.emplace(entry->Path(), entry).second) continue;
     throw NSMordel::XFormatViolation("the package holds two entries with one name: \"" +
-                                     NSTolbrook::Utf8FromText(entry->Path()) + "\"");
+                                     NSTolbrook::EscapedText(entry->Path()) + "\"");
   }
   return map;
 }

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "Parts/TolbrookPackage/Core/Exception.h"
-#include "Parts/TolbrookPackage/Core/Text.h"
+#include "Parts/TolbrookPackage/Core/PortablePath.h"
 
 #include "package/BufferedReader.h"
 #include "package/PackageFormat.h"
@@ -40,7 +40,7 @@ void CheckRegionStart(std::uint32_t start, const char* name, std::uint64_t heade
 void CheckInsideData(std::uint32_t offset, std::uint32_t size, std::uint64_t dataLength,
                      const std::u16string& name) {
   if (std::uint64_t{offset} + size <= dataLength) return;
-  throw XFormatViolation("\"" + NSTolbrook::Utf8FromText(name) + "\" has " + std::to_string(size) +
+  throw XFormatViolation("\"" + NSTolbrook::EscapedText(name) + "\" has " + std::to_string(size) +
                          " bytes at offset " + std::to_string(offset) +
                          ", but the package's data has only " + std::to_string(dataLength) +
                          " bytes");

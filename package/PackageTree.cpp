@@ -1,7 +1,7 @@
 #include "package/PackageTree.h"
 
 #include "Parts/TolbrookPackage/Core/Exception.h"
-#include "Parts/TolbrookPackage/Core/Text.h"
+#include "Parts/TolbrookPackage/Core/PortablePath.h"
 
 namespace NSTambraPacking {
 
@@ -14,7 +14,7 @@ std::vector<CEntryTree::Node> AddEntries(const std::vector<std::shared_ptr<CPack
     } catch (const NSMordel::XAlreadyExists&) {
       throw NSMordel::XFormatViolation(
           "the package holds two entries with one name, or a file with the name of a folder: \"" +
-          NSTolbrook::Utf8FromText(entry->Path()) + "\"");
+          NSTolbrook::EscapedText(entry->Path()) + "\"");
     }
   }
   return nodes;

@@ -344,6 +344,7 @@ class CommandLineTest(unittest.TestCase):
                 ("/tmp/out.mid", '"/tmp/out.mid" begins or ends with a "/" or has two side by side'),
                 ("a\\b", '"a\\b" holds one of the reserved characters \\ : * ? " < > |'),
                 ("x\u202e\x1b[2J", '"x\\u202E\\u001B[2J" holds characters that cannot be seen'),
+                ("a\0b", '"a\\u0000b" holds characters that cannot be seen'),
                 ("fine.MID", '"fine.MID" differs from "fine.mid" in nothing that every system tells '
                              "apart"))):
             package("evil.tmb", [("fine.mid", 8, b"m"), (name, 8, b"x")])
@@ -413,6 +414,9 @@ class CommandLineTest(unittest.TestCase):
         self.assertRegex(error[0], "^demo/Splash.jpg: no package, or a damaged one: ")
         (BASE / "cut.tmb").write_bytes((BASE / "b.tmb").read_bytes()[:-1])
         self.assertRegex(tambra("diff", "a.tmb", "cut.tmb")[2][0], r'^cut.tmb: ".+" has \d+ bytes at offset')
+        package("twice.tmb", [("a\0b", 8, b"m"), ("a\0b", 8, b"x")])
+        self.expect(["diff", "a.tmb", "twice.tmb"], 4, error=[
+            'twice.tmb: the package holds two entries with one name: "a\\u0000b"'])
 
         changed = library("Changed", {})
         shutil.rmtree(changed)
