@@ -1,8 +1,11 @@
 #include "gui/Application.h"
 
 #include <QApplication>
+#include <QCommandLineParser>
 #include <QIcon>
 #include <QMessageBox>
+#include <algorithm>
+#include <optional>
 
 #include "app/ExceptionAlerts.h"
 #include "app/TextResources.h"
@@ -51,18 +54,36 @@ void SetNames(const CTextResources& texts) {
   QGuiApplication::setWindowIcon(QIcon::fromTheme("tambra-packer", QIcon(":/tambra-packer.png")));
 }
 
+/// What the desktop names when it starts the program: paths, or addresses of files.
+QStringList NamedPaths() {
+  QCommandLineParser parser;
+  parser.addHelpOption();
+  parser.addVersionOption();
+  parser.addPositionalArgument("PATH", "A folder to pack, or Tambras to look at.", "[PATH...]");
+  parser.process(*QCoreApplication::instance());
+  QStringList paths;
+  for (const QString& argument : parser.positionalArguments()) {
+    const QUrl address(argument);
+    paths += address.isLocalFile() ? address.toLocalFile() : argument;
+  }
+  return paths;
+}
+
 int RunWindows(CWindowApplication& application) {
   const CTextResources texts(CTextResources::Folders({}));
   application.fTexts = &texts;
   SetNames(texts);
-  const QStringList arguments = QCoreApplication::arguments().mid(1);
-  if (arguments.size() == 1 && QFileInfo(arguments.front()).isFile()) {
-    OpenPackageWindow(texts, arguments.front());
-    return QApplication::exec();
+  const QStringList paths = NamedPaths();
+  const auto isFolder = [](const QString& path) { return QFileInfo(path).isDir(); };
+  std::optional<CMainWindow> window;
+  if (paths.isEmpty() || std::ranges::any_of(paths, isFolder)) window.emplace(texts).show();
+  for (const QString& path : paths) {
+    if (isFolder(path)) {
+      window->Open(path);
+    } else {
+      OpenPackageWindow(texts, path);
+    }
   }
-  CMainWindow window(texts);
-  if (!arguments.isEmpty()) window.Open(arguments.front());
-  window.show();
   return QApplication::exec();
 }
 

@@ -61,6 +61,7 @@ QWidget* CContentsPanel::BuildFindings() {
   fFindings->setRootIsDecorated(false);
   fFindings->setUniformRowHeights(true);
   fFindings->setTextElideMode(Qt::ElideMiddle);
+  fFindings->setSelectionMode(QAbstractItemView::ExtendedSelection);  // to be copied
   fFindings->setAccessibleName(Text(kTextFindings));
   fFindings->header()->resizeSection(0, fFindings->fontMetrics().averageCharWidth() * 14);
   fFindings->header()->resizeSection(1, fFindings->fontMetrics().averageCharWidth() * 28);
@@ -70,7 +71,6 @@ QWidget* CContentsPanel::BuildFindings() {
   fDetail->setTextInteractionFlags(Qt::TextSelectableByMouse);
   fDetail->setAlignment(Qt::AlignTop | Qt::AlignLeft);
   fDetail->setMinimumHeight(fDetail->fontMetrics().lineSpacing() * 3);
-  fDetail->setAccessibleName(Text(kTextFinding));
   connect(fFindings->selectionModel(), &QItemSelectionModel::currentChanged, this,
           [this](const QModelIndex& index) { fDetail->setText(fModel->Detail(index.row())); });
   auto* const box = new QWidget;

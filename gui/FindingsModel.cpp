@@ -56,9 +56,10 @@ QVariant CFindingsModel::data(const QModelIndex& index, int role) const {
   if (role == Qt::DecorationRole && index.column() == kKind) {
     return QApplication::style()->standardIcon(IconOf(finding.fKind));
   }
-  if (role == Qt::DisplayRole || role == Qt::ToolTipRole || role == Qt::AccessibleTextRole) {
+  if (role == Qt::DisplayRole || role == Qt::AccessibleTextRole) {
     return CellText(finding, index.column());
   }
+  if (role == Qt::ToolTipRole) return ToolTipOf(CellText(finding, index.column()));
   return {};
 }
 

@@ -29,10 +29,11 @@ CFolderChooser::CFolderChooser(const CTexts& texts, QWidget* parent)
   fPath->setInsertPolicy(QComboBox::NoInsert);
   fPath->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
   fPath->setMinimumContentsLength(30);
-  fPath->setAccessibleName(texts.fLabel);
+  const QString name = QString(texts.fLabel).remove('&');
+  fPath->setAccessibleName(name);
   fPath->lineEdit()->setPlaceholderText(texts.fHint);
-  fPath->lineEdit()->setAccessibleName(texts.fLabel);
-  button->setAccessibleName(texts.fLabel + ": " + texts.fChoose);
+  fPath->lineEdit()->setAccessibleName(name);
+  button->setAccessibleName(name + ": " + texts.fChoose);
   fLabel->setBuddy(fPath);
   row->addWidget(fLabel);
   row->addWidget(fPath);
@@ -79,6 +80,10 @@ void CFolderChooser::SetRecent(const QStringList& folders) {
     fPath->addItem(QDir::toNativeSeparators(folder));
   }
   fPath->setCurrentText(QDir::toNativeSeparators(fFolder));
+}
+
+void CFolderChooser::ForgetOthers() {
+  SetRecent(fFolder.isEmpty() ? QStringList() : QStringList(fFolder));
 }
 
 void CFolderChooser::dragEnterEvent(QDragEnterEvent* event) {

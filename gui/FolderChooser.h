@@ -26,6 +26,8 @@ class CFolderChooser : public QWidget {
   void SetFolder(const QString& folder);
   QStringList Recent() const;
   void SetRecent(const QStringList& folders);
+  /// Leaves the chosen folder alone among the recent ones.
+  void ForgetOthers();
   int LabelWidth() const { return fLabel->sizeHint().width(); }
   void SetLabelWidth(int width) { fLabel->setMinimumWidth(width); }
 

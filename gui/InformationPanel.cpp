@@ -15,6 +15,11 @@ namespace {
 
 using namespace NSTambraPacking;
 
+/// The mnemonics of the menus, the folders and the button that packs.
+constexpr char kMenuLetters[] = "FETHIOC";
+/// And those of the buttons here.
+constexpr char kTakenLetters[] = "FETHIOCSR";
+
 /// As INFO.TXT has it; a publisher knows the options by these names.
 QStringList OptionKeys(const CPackOptions& options) {
   QStringList keys;
@@ -58,7 +63,7 @@ CInformationPanel::CInformationPanel(const CTextResources& texts, QWidget* paren
                                                        {kTextComments, fComments}};
   QStringList labels;
   for (const auto& field : fields) labels += Text(field.first);
-  const QStringList marked = WithMnemonics(labels);
+  const QStringList marked = WithMnemonics(labels, kTakenLetters);
   for (qsizetype row = 0; row < marked.size(); ++row) {
     fields[row].second->setAccessibleName(labels[row]);
     fields[row].second->setAcceptDrops(false);  // a folder that is dropped here is for the window
@@ -72,8 +77,9 @@ CInformationPanel::CInformationPanel(const CTextResources& texts, QWidget* paren
   setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum);
   fOptions->setWordWrap(true);
   fOptions->setTextFormat(Qt::PlainText);
-  fOptions->setAccessibleName(Text(kTextOptions));
-  form->addRow(Text(kTextOptions), fOptions);
+  auto* const options = new QLabel(Text(kTextOptions));
+  options->setAlignment(Qt::AlignTop);  // in line with the first of them
+  form->addRow(options, fOptions);
 
   auto* const row = new QHBoxLayout(this);
   auto* const column = new QVBoxLayout;
@@ -105,8 +111,9 @@ QWidget* CInformationPanel::MakeButtons() {
   auto* const box = new QWidget;
   auto* const row = new QHBoxLayout(box);
   row->setContentsMargins(0, 0, 0, 0);
-  fSave = new QPushButton(Text(kTextSave));
-  fRevert = new QPushButton(Text(kTextRevert));
+  const QStringList labels = WithMnemonics({Text(kTextSave), Text(kTextRevert)}, kMenuLetters);
+  fSave = new QPushButton(labels[0]);
+  fRevert = new QPushButton(labels[1]);
   row->addStretch();
   row->addWidget(fRevert);
   row->addWidget(fSave);

@@ -3,20 +3,19 @@
 #include <QCloseEvent>
 #include <QDesktopServices>
 #include <QFileDialog>
-#include <QMenuBar>
 #include <QMimeData>
+#include <QScrollArea>
 #include <QSettings>
-#include <QSystemTrayIcon>
 #include <QVBoxLayout>
 
 #include "Parts/TolbrookPackage/Core/Exception.h"
 
 #include "app/ExceptionAlerts.h"
 #include "app/InformationEditor.h"
-#include "gui/AboutDialog.h"
 #include "gui/AlertDialog.h"
 #include "gui/QtText.h"
 #include "gui/SplashFile.h"
+#include "gui/WindowState.h"
 #include "gui/WindowTexts.h"
 #include "gui/package/PackageListing.h"
 #include "gui/package/PackageWindow.h"
@@ -28,9 +27,8 @@ namespace {
 
 using namespace NSTambraPacking;
 
-bool IsPackage(const QString& path) {
-  return path.endsWith(".tmb", Qt::CaseInsensitive) && QFileInfo(path).isFile();
-}
+/// Under which the settings stand.
+constexpr char kPlace[] = "main";
 
 std::u16string Number(qint64 number) { return FromQt(QLocale().toString(number)); }
 
@@ -43,7 +41,7 @@ CMainDialogs CMainDialogs::OfTheDesktop() {
           [](QWidget* parent, const QString& title, const QString& filter) {
             return QFileDialog::getOpenFileName(parent, title, {}, filter);
           },
-          [](const QUrl& address) { QDesktopServices::openUrl(address); }};
+          [](const QUrl& address) { QDesktopServices::openUrl(address); }, TellEnd};
 }
 
 CMainWindow::CMainWindow(const CTextResources& texts, CMainDialogs dialogs)
@@ -63,40 +61,39 @@ CMainWindow::CMainWindow(const CTextResources& texts, CMainDialogs dialogs)
 CMainWindow::~CMainWindow() = default;
 
 void CMainWindow::BuildMenus() {
-  QStringList titles;
-  for (const CMenu& menu : fTexts.Menus().Menus()) {
-    if (menu.fId != kContactsMenu) titles += ToQt(menu.fTitle);
-  }
-  titles = WithMnemonics(titles);
-  for (const CMenu& menu : fTexts.Menus().Menus()) {
-    if (menu.fId == kContactsMenu) continue;  // of the dialog that tells about the program
-    menuBar()->addMenu(BuildMenu(menu, titles.takeFirst(), *this, fCommands));
-  }
-  const std::pair<int, std::function<void()>> commands[] = {
-      {kCommandInputFolder, [this] { ChooseInput(); }},
-      {kCommandOutputFolder, [this] { ChooseOutput(); }},
-      {kCommandCreate, [this] { Create(); }},
-      {kCommandOpen, [this] { ChoosePackage(); }},
-      {kCommandSaveInformation, [this] { SaveInformation(); }},
-      {kCommandExit, [this] { close(); }},
-      {kCommandAbout, [this] { About(); }},
-      {kCommandHomePage, [this] { OpenAddress(kHomePageAddress); }},
-      {kCommandSupportPage, [this] { OpenAddress(kSupportPageAddress); }},
-  };
-  for (const auto& [number, slot] : commands) {
-    connect(fCommands.at(number), &QAction::triggered, this, slot);
-  }
+  fMenus = new CWindowMenus(fTexts, *this, {kMenuFile, kMenuEdit, kMenuTambra, kMenuHelp}, {},
+                            fDialogs.fOpenAddress);
+  fMenus->Do(kCommandInputFolder, [this] { ChooseInput(); });
+  fMenus->Do(kCommandOutputFolder, [this] { ChooseOutput(); });
+  fMenus->Do(kCommandCreate, [this] { Create(); });
+  fMenus->Do(kCommandOpen, [this] { ChoosePackage(); });
+  fMenus->Do(kCommandSaveInformation, [this] { SaveInformation(); });
+  fMenus->Do(kCommandClearRecent, [this] {
+    for (CFolderChooser* const chooser : {fInput, fOutput}) chooser->ForgetOthers();
+  });
 }
 
 void CMainWindow::BuildContent() {
+  // In the order in which Tab goes through them.
+  auto* const body = new QWidget;
+  auto* const parts = new QVBoxLayout(body);
+  parts->setContentsMargins(0, 0, 0, 0);
+  parts->setSpacing(10);
+  parts->addWidget(BuildFolders());
+  fInformation = new CInformationPanel(fTexts, body);
+  parts->addWidget(fInformation);
+  fContents = new CContentsPanel(fTexts, body);
+  parts->addWidget(fContents, 1);
+  // On a small screen, or with large letters, what is above the button gives way to it.
+  auto* const area = new QScrollArea;
+  area->setFrameShape(QFrame::NoFrame);
+  area->setFocusPolicy(Qt::NoFocus);
+  area->setWidgetResizable(true);
+  area->setWidget(body);
   auto* const center = new QWidget;
   auto* const column = new QVBoxLayout(center);
   column->setSpacing(10);
-  fInformation = new CInformationPanel(fTexts, center);
-  fContents = new CContentsPanel(fTexts, center);
-  column->addWidget(BuildFolders());
-  column->addWidget(fInformation);
-  column->addWidget(fContents, 1);
+  column->addWidget(area, 1);
   column->addWidget(BuildFoot());
   setCentralWidget(center);
 }
@@ -127,8 +124,6 @@ QWidget* CMainWindow::BuildFoot() {
   auto* const column = new QVBoxLayout;
   fState = new QLabel;
   fOutputName = new QLabel;
-  fState->setAccessibleName(Text(kTextProgress));
-  fOutputName->setAccessibleName(Text(kTextOutputFolder));
   for (QLabel* const label : {fState, fOutputName}) {
     label->setTextFormat(Qt::PlainText);
     column->addWidget(label);
@@ -145,7 +140,7 @@ QWidget* CMainWindow::BuildFoot() {
 }
 
 void CMainWindow::Connect() {
-  QAction* const create = fCommands.at(kCommandCreate);
+  QAction* const create = Command(kCommandCreate);
   fCreateTambraButton->setText(create->text());
   fCreateTambraButton->setMinimumWidth(fCreateTambraButton->sizeHint().width() + 24);
   connect(fCreateTambraButton, &QPushButton::clicked, create, &QAction::trigger);
@@ -163,11 +158,10 @@ void CMainWindow::Connect() {
 
 void CMainWindow::RestoreState() {
   const QSettings settings;
-  resize(940, 720);
-  restoreGeometry(settings.value("main/geometry").toByteArray());
+  RestorePlace(*this, kPlace, {940, 720});
   fInput->SetRecent(settings.value("main/inputFolders").toStringList());
   fOutput->SetRecent(settings.value("main/outputFolders").toStringList());
-  fCommands.at(kCommandWarnExternal)->setChecked(settings.value("main/warnExternal").toBool());
+  Command(kCommandWarnExternal)->setChecked(settings.value("main/warnExternal").toBool());
   const QString input = settings.value("main/inputFolder").toString();
   const QString output = settings.value("main/outputFolder").toString();
   if (QFileInfo(output).isDir()) SetOutput(output);
@@ -176,12 +170,12 @@ void CMainWindow::RestoreState() {
 
 void CMainWindow::SaveState() const {
   QSettings settings;
-  settings.setValue("main/geometry", saveGeometry());
+  SavePlace(*this, kPlace);
   settings.setValue("main/inputFolders", fInput->Recent());
   settings.setValue("main/outputFolders", fOutput->Recent());
   settings.setValue("main/inputFolder", fInput->Folder());
   settings.setValue("main/outputFolder", fOutput->Folder());
-  settings.setValue("main/warnExternal", fCommands.at(kCommandWarnExternal)->isChecked());
+  settings.setValue("main/warnExternal", Command(kCommandWarnExternal)->isChecked());
 }
 
 void CMainWindow::Open(const QString& path) {
@@ -259,12 +253,15 @@ void CMainWindow::Create() {
   CPackSettings settings;
   settings.fInputFolder = NSTolbrook::CFileItem(PathFromQt(fInput->Folder()));
   settings.fOutputFolder = NSTolbrook::CFileItem(PathFromQt(fOutput->Folder()));
-  fRun = std::make_unique<CPackRun>(fTexts, settings,
-                                    fCommands.at(kCommandWarnExternal)->isChecked(), *this);
+  fRun = std::make_unique<CPackRun>(fTexts, settings, Command(kCommandWarnExternal)->isChecked(),
+                                    *this);
   connect(fRun.get(), &CPackRun::Ended, this, &CMainWindow::EndRun, Qt::QueuedConnection);
   fProgress = std::make_unique<CProgressDialog>(fTexts, *fRun, this);
   connect(fRun.get(), &CPackRun::Closing, fProgress.get(), &CProgressDialog::Finish,
           Qt::QueuedConnection);
+  connect(fRun.get(), &CPackRun::Closing, this, [this](bool isPacked) {
+    fDialogs.fTellEnd(*this, Text(isPacked ? kTextPacked : kTextNotPacked));
+  });
   UpdateState();
   fProgress->show();
   fRun->Start();
@@ -274,32 +271,12 @@ void CMainWindow::EndRun() {
   fProgress->Finish();
   const std::unique_ptr<CProgressDialog> progress = std::move(fProgress);
   const std::unique_ptr<CPackRun> run = std::move(fRun);
-  const bool isPacked = run->Ending() && *run->Ending() != EPackEnding::kProblems;
-  Notify(Text(isPacked ? kTextPacked : kTextNotPacked));
   if (run->WantsLog() && run->LogFile()) {
     fDialogs.fOpenAddress(QUrl::fromLocalFile(PathToQt(*run->LogFile())));
   }
   fWatch.SetPaused(false);
   UpdateState();
 }
-
-void CMainWindow::Notify(const QString& message) {
-  if (isActiveWindow()) return;
-  QApplication::alert(this);
-  if (!QSystemTrayIcon::isSystemTrayAvailable()) return;
-  auto* const tray = new QSystemTrayIcon(windowIcon(), this);
-  tray->show();
-  tray->showMessage(windowTitle(), message, windowIcon());
-  QTimer::singleShot(10'000, tray, &QObject::deleteLater);
-}
-
-void CMainWindow::About() {
-  QMenu* const contacts =
-      BuildMenu(fTexts.Menus().Menu(kContactsMenu), Text(kTextContacts), *this, fCommands);
-  CAboutDialog(fTexts, contacts, this).exec();
-}
-
-void CMainWindow::OpenAddress(CStringNumber number) { fDialogs.fOpenAddress(QUrl(Text(number))); }
 
 bool CMainWindow::SaveInformation() {
   try {
@@ -357,9 +334,9 @@ void CMainWindow::ShowFailure(const std::exception_ptr& failure) {
 
 void CMainWindow::UpdateState() {
   const bool isReady = !fInput->Folder().isEmpty() && !fOutput->Folder().isEmpty() && !IsPacking();
-  fCommands.at(kCommandCreate)->setEnabled(isReady);
+  Command(kCommandCreate)->setEnabled(isReady);
   fCreateTambraButton->setEnabled(isReady);
-  fCommands.at(kCommandSaveInformation)->setEnabled(fInformation->IsEdited());
+  Command(kCommandSaveInformation)->setEnabled(fInformation->IsEdited());
   fInformation->setEnabled(!fInput->Folder().isEmpty() && !IsPacking());
   fState->setText(StateText());
   fOutputName->setText(Text(kTextOutputName, {FromQt(OutputName())}));
@@ -412,7 +389,7 @@ void CMainWindow::changeEvent(QEvent* event) {
 
 void CMainWindow::dragEnterEvent(QDragEnterEvent* event) {
   const QString path = DraggedPath(*event->mimeData());
-  if (QFileInfo(path).isDir() || IsPackage(path)) event->acceptProposedAction();
+  if (QFileInfo(path).isDir() || IsPackageFile(path)) event->acceptProposedAction();
 }
 
 void CMainWindow::dropEvent(QDropEvent* event) {

@@ -10,9 +10,9 @@
 #include "gui/FolderChooser.h"
 #include "gui/FolderWatch.h"
 #include "gui/InformationPanel.h"
-#include "gui/MenuBuilder.h"
 #include "gui/PackRun.h"
 #include "gui/ProgressDialog.h"
+#include "gui/WindowMenus.h"
 
 namespace NSTambraGui {
 
@@ -22,7 +22,9 @@ struct CMainDialogs {
   std::function<QString(QWidget* parent, const QString& title, const QString& start)> fChooseFolder;
   std::function<QString(QWidget* parent, const QString& title, const QString& filter)> fChooseFile;
   /// Opens a page, or a file with the program that is meant for it.
-  std::function<void(const QUrl& address)> fOpenAddress;
+  CWindowMenus::OpenAddress fOpenAddress;
+  /// Tells a user who is elsewhere that a job has ended.
+  std::function<void(QWidget& window, const QString& message)> fTellEnd;
 
   static CMainDialogs OfTheDesktop();
 };
@@ -43,7 +45,10 @@ class CMainWindow : public QMainWindow {
   /// True while a package is made.
   bool IsPacking() const { return fRun != nullptr; }
   bool IsLooking() const { return fWatch.IsLooking(); }
-  QAction* Command(int number) const { return fCommands.at(number); }
+  QAction* Command(int number) const { return fMenus->Command(number); }
+  /// Whether the folder can be packed, in words.
+  QString StateText() const;
+  QString OutputName() const;
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -72,9 +77,6 @@ class CMainWindow : public QMainWindow {
 
   void Create();
   void EndRun();
-  void Notify(const QString& message);
-  void About();
-  void OpenAddress(NSTambraPacking::CStringNumber number);
 
   /// False when the texts could not be saved.
   bool SaveInformation();
@@ -84,14 +86,12 @@ class CMainWindow : public QMainWindow {
   void ShowFailure(const std::exception_ptr& failure);
 
   void UpdateState();
-  QString StateText() const;
-  QString OutputName() const;
   QString Text(NSTambraPacking::CStringNumber number,
                const std::vector<std::u16string>& arguments = {}) const;
 
   const NSTambraPacking::CTextResources& fTexts;
   CMainDialogs fDialogs;
-  CCommands fCommands;
+  CWindowMenus* fMenus = nullptr;
   CFolderChooser* fInput = nullptr;
   CFolderChooser* fOutput = nullptr;
   CInformationPanel* fInformation = nullptr;

@@ -38,9 +38,8 @@ QAction* MakeAction(const NSTambraPacking::CMenuItem& item, const QString& text,
 
 }  // namespace
 
-QStringList WithMnemonics(const QStringList& texts) {
+QStringList WithMnemonics(const QStringList& texts, QString taken) {
   QStringList marked;
-  QString taken;
   for (QString text : texts) {
     const qsizetype mnemonic = FindMnemonic(text, taken);
     if (mnemonic >= 0) taken += text[mnemonic];

@@ -12,9 +12,9 @@ namespace NSTambraGui {
 /// By command number.
 using CCommands = std::map<int, QAction*>;
 
-/// The texts, each with "&" before a letter that no earlier one has: the first of a word where
-/// there is one. What means itself as "&" is doubled.
-QStringList WithMnemonics(const QStringList& texts);
+/// The texts, each with "&" before a letter that no earlier one has and that is not `taken`: the
+/// first of a word where there is one. What means itself as "&" is doubled.
+QStringList WithMnemonics(const QStringList& texts, QString taken = {});
 
 /// A menu of the text tables. A command that `commands` holds already is used again, others are
 /// made with `owner` and added.

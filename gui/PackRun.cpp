@@ -67,8 +67,9 @@ void CPackRun::Start() {
 void CPackRun::Work() {
   try {
     Pack();
+  } catch (const NSMordel::XSilentAbort&) {  // the user knows
   } catch (...) {
-    emit Closing();
+    emit Closing(false);
     fPacker.ShowFailure(std::current_exception());
   }
 }
@@ -79,7 +80,8 @@ void CPackRun::Pack() {
   fSettings.fJobs = std::max(1U, std::thread::hardware_concurrency());
   fSettings.fSlicedLoopLibrary = library.get();
   fSettings.fCache = cache.get();
-  fEnding = fPacker.Run(fSettings, fInformation, fProgress);
+  CPackageInformation information;
+  fPacker.Run(fSettings, information, fProgress);
 }
 
 std::optional<NSTolbrook::NativePath> CPackRun::LogFile() const {
@@ -118,7 +120,7 @@ int CPackRun::Show(CAlertNumber number, const CAlertText& alert) {
   if (const auto known = fAnswers.find(number.fEntry); known != fAnswers.end() && Repeats(number)) {
     return known->second;
   }
-  if (IsClosing(number)) emit Closing();
+  if (IsClosing(number)) emit Closing(number != kAlertProblems);
   int answer = 0;
   QMetaObject::invokeMethod(
       &fWindow, [&] { answer = ShowOnWindow(number, alert); }, Qt::BlockingQueuedConnection);

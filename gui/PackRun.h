@@ -41,16 +41,13 @@ class CPackRun : public QObject,
   CLines Lines() const;
 
   // Behind Ended.
-  /// Nothing when there is no package, or it is one that nobody may use.
-  std::optional<NSTambraPacking::EPackEnding> Ending() const { return fEnding; }
-  const NSTambraPacking::CPackageInformation& Information() const { return fInformation; }
   /// What the user last answered to the closing alert.
   bool WantsLog() const { return fWantsLog; }
   std::optional<NSTolbrook::NativePath> LogFile() const;
 
  signals:
   /// All work is done; an alert tells what came of it.
-  void Closing();
+  void Closing(bool isPacked);
   /// The job, its closing alert included, has come to its end.
   void Ended();
 
@@ -72,8 +69,6 @@ class CPackRun : public QObject,
   NSTolbrook::CSystemClock fClock;
   NSTambraPacking::CTambraPackProgress fProgress;
   NSTambraPacking::CTambraPacker fPacker;
-  NSTambraPacking::CPackageInformation fInformation;
-  std::optional<NSTambraPacking::EPackEnding> fEnding;
   /// Of alerts that are answered for all files, by entry; the job's thread alone uses it.
   std::map<int, int> fAnswers;
   bool fWantsLog = false;

@@ -32,16 +32,16 @@ CProgressDialog::CProgressDialog(const NSTambraPacking::CTextResources& texts, C
   setWindowModality(Qt::WindowModal);
   auto* const column = new QVBoxLayout(this);
   column->setContentsMargins(20, 16, 20, 16);
-  fStage = MakeLine(1, windowTitle());
+  fStage = MakeLine(1);
   QFont bold = fStage->font();
   bold.setBold(true);
   fStage->setFont(bold);
-  fItem = MakeLine(2, ToQt(texts.Text(kTextFile)));
+  fItem = MakeLine(2);
   fBar = new QProgressBar;
   fBar->setRange(0, 1000);
   fBar->setTextVisible(false);
   fBar->setAccessibleName(ToQt(texts.Text(kTextProgress)));
-  fTime = MakeLine(1, ToQt(texts.Text(kTextProgress)));
+  fTime = MakeLine(1);
   fStop = new QPushButton(WithMnemonics({ToQt(texts.Text(kTextStop))}).front());
   for (QWidget* const widget : std::initializer_list<QWidget*>{fStage, fItem, fBar, fTime}) {
     column->addWidget(widget);
@@ -56,10 +56,9 @@ CProgressDialog::CProgressDialog(const NSTambraPacking::CTextResources& texts, C
   fTimer.start(kInterval);
 }
 
-QLabel* CProgressDialog::MakeLine(int lines, const QString& name) {
+QLabel* CProgressDialog::MakeLine(int lines) {
   auto* const label = new QLabel;
   label->setTextFormat(Qt::PlainText);
-  label->setAccessibleName(name);
   label->setMinimumHeight(label->fontMetrics().lineSpacing() * lines);
   label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
   label->setAlignment(Qt::AlignTop | Qt::AlignLeft);

@@ -26,7 +26,7 @@ class CProgressDialog : public QDialog {
   void reject() override;
 
  private:
-  QLabel* MakeLine(int lines, const QString& name);
+  QLabel* MakeLine(int lines);
   void Refresh();
 
   const NSTambraPacking::CTextResources& fTexts;

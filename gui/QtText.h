@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QTextDocument>
 #include <string>
 #include <string_view>
 
@@ -22,6 +23,9 @@ inline std::u16string FromQt(const QString& text) { return text.toStdU16String()
 inline QString PathToQt(const NSTolbrook::NativePath& path) {
   return ToQt(NSTolbrook::DisplayText(path));
 }
+
+/// A tool tip of just this text, which is never taken for markup, in lines of a fair length.
+inline QString ToolTipOf(const QString& text) { return Qt::convertFromPlainText(text); }
 
 /// Throws as NSTolbrook::NativeFromText.
 inline NSTolbrook::NativePath PathFromQt(const QString& path) {

@@ -64,9 +64,29 @@ inline constexpr int kCommandWarnExternal = 104;
 inline constexpr int kCommandOpen = 105;
 inline constexpr int kCommandSaveInformation = 106;
 inline constexpr int kCommandExit = 107;
+inline constexpr int kCommandClearRecent = 108;
+inline constexpr int kCommandUndo = 110;
+inline constexpr int kCommandRedo = 111;
+inline constexpr int kCommandCut = 112;
+inline constexpr int kCommandCopy = 113;
+inline constexpr int kCommandPaste = 114;
+inline constexpr int kCommandSelectAll = 115;
+inline constexpr int kCommandClose = 120;
+inline constexpr int kCommandExtract = 121;
+inline constexpr int kCommandVerify = 122;
+inline constexpr int kCommandCompare = 123;
+inline constexpr int kCommandFind = 124;
 inline constexpr int kCommandAbout = 400;
 inline constexpr int kCommandHomePage = 800;
 inline constexpr int kCommandSupportPage = 804;
-inline constexpr int kContactsMenu = 6;
+
+/// The menus.
+inline constexpr int kMenuFile = 1;
+inline constexpr int kMenuTambra = 2;
+inline constexpr int kMenuEdit = 3;
+inline constexpr int kMenuHelp = 5;
+inline constexpr int kMenuContacts = 6;
+inline constexpr int kMenuPackageFile = 7;
+inline constexpr int kMenuPackageTambra = 8;
 
 }  // namespace NSTambraGui

@@ -30,12 +30,16 @@ QVariant CDetailItemModel::data(const QModelIndex& index, int role) const {
   if (!index.isValid()) return {};
   const NSTambraPacking::CDetailItem& item = fItems[static_cast<std::size_t>(index.row())];
   const bool isPlace = index.column() == 1;
-  if (role == Qt::DisplayRole) {
+  const auto text = [&] {
     return ToQt(NSTambraPacking::PrintableText(isPlace ? item.fPlace : item.fText));
-  }
+  };
+  if (role == Qt::DisplayRole) return text();
+  if (role == Qt::ToolTipRole) return ToolTipOf(text());
   if (!isPlace || item.fTarget.empty()) return {};
   if (role == Qt::ForegroundRole) return QApplication::palette().link();
-  if (role == Qt::ToolTipRole) return ToQt(fTexts.Text(NSTambraPacking::kReferenceFollow));
+  if (role == Qt::AccessibleDescriptionRole) {
+    return ToQt(fTexts.Text(NSTambraPacking::kReferenceFollow));
+  }
   if (role == Qt::FontRole) {
     QFont font = QApplication::font();
     font.setUnderline(true);

@@ -173,8 +173,10 @@ void CDetailsPane::ShowDetails(CEntryDetails details, const QImage& picture) {
 void CDetailsPane::AddLine(const QString& label, const QString& value) {
   QLabel* const field = NewLabel(widget());
   field->setText(value);
-  field->setAccessibleName(label);
-  fLines->addRow(label + QStringLiteral(":"), field);
+  field->setAccessibleName(label + ": " + value);
+  auto* const name = new QLabel(label + QStringLiteral(":"));
+  name->setAlignment(Qt::AlignTop);  // in line with the first of several lines
+  fLines->addRow(name, field);
 }
 
 void CDetailsPane::ShowFault(const QString& text) {

@@ -1,8 +1,10 @@
 #include "gui/package/PackageDialogs.h"
 
+#include <QDesktopServices>
 #include <QFileDialog>
 
 #include "gui/AlertDialog.h"
+#include "gui/WindowState.h"
 
 namespace NSTambraGui {
 
@@ -17,7 +19,8 @@ CPackageDialogs CPackageDialogs::OfTheDesktop() {
             CAlertDialog dialog(alert, 0, {}, parent);
             dialog.exec();
             return dialog.Answer();
-          }};
+          },
+          [](const QUrl& address) { QDesktopServices::openUrl(address); }, TellEnd};
 }
 
 }  // namespace NSTambraGui

@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "app/AlertText.h"
+#include "gui/WindowMenus.h"
 
 namespace NSTambraGui {
 
@@ -15,6 +16,9 @@ struct CPackageDialogs {
   std::function<QString(QWidget* parent, const QString& title, const QString& filter)> fChooseFile;
   /// Returns the answer, as IAlertPresenter::Show. The first button listed is the careful one.
   std::function<int(QWidget* parent, const NSTambraPacking::CAlertText& alert)> fShowAlert;
+  CWindowMenus::OpenAddress fOpenAddress;
+  /// Tells a user who is elsewhere that something has come to its end.
+  std::function<void(QWidget& window, const QString& message)> fTellEnd;
 
   static CPackageDialogs OfTheDesktop();
 };

@@ -3,7 +3,9 @@
 #include <QCollator>
 #include <QLocale>
 #include <algorithm>
+#include <iterator>
 #include <numeric>
+#include <set>
 
 #include "Parts/TolbrookPackage/Core/Text.h"
 
@@ -73,6 +75,19 @@ void RankNames(CPackageListing& listing) {
   for (std::uint32_t rank = 0; rank < order.size(); ++rank) listing.fRanks[order[rank]] = rank;
 }
 
+void RankTypes(CPackageListing& listing) {
+  std::set<QString> names;
+  for (const auto& [code, name] : listing.fTypeNames) names.insert(name);
+  std::map<std::int32_t, std::uint32_t> ranks;
+  for (const auto& [code, name] : listing.fTypeNames) {
+    ranks[code] = static_cast<std::uint32_t>(std::distance(names.begin(), names.find(name)));
+  }
+  listing.fTypeRanks.resize(listing.fNames.size());
+  for (Node node = 0; node < listing.fTypeRanks.size(); ++node) {
+    if (!listing.IsFolder(node)) listing.fTypeRanks[node] = ranks.at(listing.TypeCode(node));
+  }
+}
+
 }  // namespace
 
 const QString& CPackageListing::TypeName(Node node) const {
@@ -94,6 +109,7 @@ std::shared_ptr<const CPackageListing> ListPackage(const NSTambraPacking::CTextR
   FillTree(*listing, checkStop);
   checkStop();
   RankNames(*listing);
+  RankTypes(*listing);
   return listing;
 }
 

@@ -28,6 +28,7 @@ struct CPackageListing {
   std::vector<Node> fShownParents;
   std::vector<bool> fIsShown;
   std::vector<std::uint32_t> fRanks;           ///< by name, numbers in it counting as such
+  std::vector<std::uint32_t> fTypeRanks;       ///< by the name of the type; folders are alike
   std::map<std::int32_t, QString> fTypeNames;  ///< those that there are
 
   /// The entry's type, or that it is a folder.

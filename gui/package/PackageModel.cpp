@@ -99,8 +99,7 @@ bool CPackageModel::ComesBefore(Node left, Node right) const {
   };
   switch (fSortColumn) {
     case kType:
-      if (isFolder || fListing->TypeCode(left) == fListing->TypeCode(right)) return byName();
-      return decide(fListing->TypeName(left), fListing->TypeName(right));
+      return decide(fListing->fTypeRanks[left], fListing->fTypeRanks[right]);
     case kSize:
       return decide(fSizes[left], fSizes[right]);
     case kPacked:
@@ -126,6 +125,7 @@ void CPackageModel::sort(int column, Qt::SortOrder order) {
   fSortColumn = column;
   fSortOrder = order;
   if (!fListing) return;
+  emit AboutToSort();
   emit layoutAboutToBeChanged({}, VerticalSortHint);
   Sort();
   const QModelIndexList before = persistentIndexList();
@@ -135,6 +135,7 @@ void CPackageModel::sort(int column, Qt::SortOrder order) {
   }
   changePersistentIndexList(before, after);
   emit layoutChanged({}, VerticalSortHint);
+  emit Sorted();
 }
 
 CPackageModel::Node CPackageModel::NodeOf(const QModelIndex& index) const {
@@ -145,6 +146,14 @@ CPackageModel::Node CPackageModel::NodeOf(const QModelIndex& index) const {
 QModelIndex CPackageModel::IndexOf(Node node) const {
   if (node == NSTambraPacking::CEntryTree::kRoot || fRows[node] < 0) return {};
   return createIndex(fRows[node], kName, quintptr{node});
+}
+
+QModelIndexList CPackageModel::ShownFolders() const {
+  QModelIndexList folders;
+  for (Node node = 1; node < fChildren.size(); ++node) {
+    if (!fChildren[node].empty()) folders.append(IndexOf(node));
+  }
+  return folders;
 }
 
 QModelIndex CPackageModel::index(int row, int column, const QModelIndex& parent) const {
@@ -186,6 +195,13 @@ QString CPackageModel::Text(Node node, int column) const {
   }
 }
 
+/// A view need not ask for what is in each file.
+Qt::ItemFlags CPackageModel::flags(const QModelIndex& index) const {
+  const Qt::ItemFlags flags = QAbstractItemModel::flags(index);
+  return index.isValid() && !fListing->IsFolder(NodeOf(index)) ? flags | Qt::ItemNeverHasChildren
+                                                               : flags;
+}
+
 QVariant CPackageModel::data(const QModelIndex& index, int role) const {
   if (!index.isValid()) return {};
   const Node node = NodeOf(index);
@@ -196,6 +212,9 @@ QVariant CPackageModel::data(const QModelIndex& index, int role) const {
   if (role == Qt::DecorationRole && index.column() == kName) {
     return QApplication::style()->standardIcon(fListing->IsFolder(node) ? QStyle::SP_DirIcon
                                                                         : QStyle::SP_FileIcon);
+  }
+  if (role == Qt::ToolTipRole && index.column() <= kType) {
+    return ToolTipOf(Text(node, index.column()));
   }
   if (role == Qt::ToolTipRole && index.column() == kSize && fSizes[node]) {
     return QLocale().toString(static_cast<qulonglong>(*fSizes[node]));

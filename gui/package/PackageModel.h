@@ -30,6 +30,8 @@ class CPackageModel : public QAbstractItemModel {
   Node NodeOf(const QModelIndex& index) const;
   /// Invalid for the root and for what is not shown.
   QModelIndex IndexOf(Node node) const;
+  /// Those that hold something that is shown, outer ones first.
+  QModelIndexList ShownFolders() const;
   /// Files, without the folders.
   std::size_t ShownFileCount() const { return fShownFileCount; }
 
@@ -37,9 +39,14 @@ class CPackageModel : public QAbstractItemModel {
   QModelIndex parent(const QModelIndex& index) const override;
   int rowCount(const QModelIndex& parent = {}) const override;
   int columnCount(const QModelIndex& = {}) const override { return kColumnCount; }
+  Qt::ItemFlags flags(const QModelIndex& index) const override;
   QVariant data(const QModelIndex& index, int role) const override;
   QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
   void sort(int column, Qt::SortOrder order) override;
+
+ signals:
+  void AboutToSort();
+  void Sorted();
 
  private:
   using Sizes = std::vector<std::optional<std::uint64_t>>;

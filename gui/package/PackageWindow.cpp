@@ -1,9 +1,10 @@
 #include "gui/package/PackageWindow.h"
 
 #include <QCloseEvent>
+#include <QDragEnterEvent>
 #include <QFileInfo>
 #include <QHBoxLayout>
-#include <QHeaderView>
+#include <QMimeData>
 #include <QSettings>
 #include <QShortcut>
 #include <QStatusBar>
@@ -15,7 +16,10 @@
 #include "app/FailureDetail.h"
 #include "app/PackageTextNumbers.h"
 #include "app/PrintableText.h"
+#include "gui/FolderChooser.h"
 #include "gui/QtText.h"
+#include "gui/WindowState.h"
+#include "gui/WindowTexts.h"
 
 namespace NSTambraGui {
 
@@ -24,6 +28,10 @@ namespace {
 using namespace NSTambraPacking;
 
 enum EPage { kOpeningPage, kPackagePage, kFaultPage };
+
+// Under which the settings stand.
+constexpr char kPlace[] = "PackageWindow";
+constexpr char kColumnsKey[] = "PackageWindow/columns";
 
 constexpr int kProgressEnd = 1000;
 constexpr CPackageContents::Node kSizesAtOnce = 1000;
@@ -49,7 +57,7 @@ CPackageWindow::CPackageWindow(const CTextResources& texts, CPackageDialogs dial
       fJob(nullptr) {
   BuildPages();
   BuildStatus();
-  AddShortcuts();
+  BuildMenus();
   RestoreState();
 }
 
@@ -107,7 +115,10 @@ QWidget* CPackageWindow::BuildBar() {
 }
 
 QWidget* CPackageWindow::BuildPanes() {
-  BuildTree();
+  fTree = new CEntryView(*fModel, this);
+  fTree->setAccessibleName(Text(kEntriesOfPackage));
+  connect(fTree->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+          &CPackageWindow::ShowChosen);
   fDetails = new CDetailsPane(fTexts, this);
   fResults = new CResultPane(fTexts, this);
   fColumns = new QSplitter(Qt::Horizontal, this);
@@ -128,28 +139,6 @@ QWidget* CPackageWindow::BuildPanes() {
   return rows;
 }
 
-void CPackageWindow::BuildTree() {
-  fTree = new QTreeView(this);
-  fTree->setAccessibleName(Text(kEntriesOfPackage));
-  fTree->setUniformRowHeights(true);
-  fTree->setAlternatingRowColors(true);
-  fTree->setSelectionMode(QAbstractItemView::ExtendedSelection);
-  fTree->setTextElideMode(Qt::ElideMiddle);
-  fTree->setModel(fModel);
-  fTree->setSortingEnabled(true);
-  fTree->sortByColumn(CPackageModel::kName, Qt::AscendingOrder);
-  QHeaderView* const header = fTree->header();
-  header->setStretchLastSection(false);
-  header->setSectionResizeMode(CPackageModel::kName, QHeaderView::Stretch);
-  const int unit = fontMetrics().averageCharWidth();
-  header->resizeSection(CPackageModel::kType, 20 * unit);
-  header->resizeSection(CPackageModel::kSize, 12 * unit);
-  header->resizeSection(CPackageModel::kPacked, 12 * unit);
-  header->resizeSection(CPackageModel::kRatio, 9 * unit);
-  connect(fTree->selectionModel(), &QItemSelectionModel::selectionChanged, this,
-          &CPackageWindow::ShowChosen);
-}
-
 void CPackageWindow::BuildStatus() {
   fCounts = new QLabel(this);
   fItem = new QLabel(this);
@@ -160,6 +149,7 @@ void CPackageWindow::BuildStatus() {
   fProgress->setTextVisible(false);
   fProgress->setMaximumWidth(200);
   fStop = new QPushButton(Text(kStopCommand), this);
+  statusBar()->setContentsMargins(7, 0, 7, 3);  // in line with the panes
   statusBar()->addWidget(fCounts);
   statusBar()->addWidget(fItem, 1);
   statusBar()->addPermanentWidget(fProgress);
@@ -169,17 +159,37 @@ void CPackageWindow::BuildStatus() {
   connect(fStop, &QPushButton::clicked, this, &CPackageWindow::StopJob);
 }
 
-void CPackageWindow::AddShortcuts() {
-  const auto add = [this](const QKeySequence& keys, auto&& action) {
-    auto* const shortcut = new QShortcut(keys, this);
-    connect(shortcut, &QShortcut::activated, this, action);
-  };
-  add(QKeySequence::Find, [this] {
+void CPackageWindow::BuildMenus() {
+  // The letters in front are those of the buttons.
+  fMenus =
+      new CWindowMenus(fTexts, *this, {kMenuPackageFile, kMenuEdit, kMenuPackageTambra, kMenuHelp},
+                       "EVCSP", fDialogs.fOpenAddress);
+  fMenus->Do(kCommandOpen, [this] { OpenOther(); });
+  fMenus->Do(kCommandClose, [this] { close(); });
+  fMenus->Do(kCommandExtract, [this] { Extract(); });
+  fMenus->Do(kCommandVerify, [this] { Verify(); });
+  fMenus->Do(kCommandCompare, [this] { Compare(); });
+  fMenus->Do(kCommandFind, [this] {
     fFilter->setFocus();
     fFilter->selectAll();
   });
-  add(QKeySequence::Close, [this] { close(); });
-  add(Qt::Key_Escape, [this] { Escape(); });
+  EnableJobs(false);
+  auto* const escape = new QShortcut(Qt::Key_Escape, this);
+  connect(escape, &QShortcut::activated, this, &CPackageWindow::Escape);
+  setAcceptDrops(true);
+}
+
+/// Only with a package, and one at a time.
+void CPackageWindow::EnableJobs(bool isEnabled) {
+  for (QPushButton* const button : {fExtract, fVerify, fCompare}) button->setEnabled(isEnabled);
+  for (const int command : {kCommandExtract, kCommandVerify, kCommandCompare}) {
+    fMenus->Command(command)->setEnabled(isEnabled);
+  }
+}
+
+void CPackageWindow::OpenOther() {
+  const QString path = fDialogs.fChooseFile(this, Text(kTextOpenTambra), Text(kPackageFiles));
+  if (!path.isEmpty()) OpenPackageWindow(fTexts, path);
 }
 
 void CPackageWindow::Escape() {
@@ -193,16 +203,13 @@ void CPackageWindow::Escape() {
 }
 
 void CPackageWindow::RestoreState() {
-  resize(1040, 680);
-  const QSettings settings;
-  restoreGeometry(settings.value("PackageWindow/geometry").toByteArray());
-  fColumns->restoreState(settings.value("PackageWindow/columns").toByteArray());
+  RestorePlace(*this, kPlace, {1040, 680});
+  fColumns->restoreState(QSettings().value(kColumnsKey).toByteArray());
 }
 
 void CPackageWindow::closeEvent(QCloseEvent* event) {
-  QSettings settings;
-  settings.setValue("PackageWindow/geometry", saveGeometry());
-  settings.setValue("PackageWindow/columns", fColumns->saveState());
+  SavePlace(*this, kPlace);
+  QSettings().setValue(kColumnsKey, fColumns->saveState());
   fOpening.Stop();
   fJob.Stop();
   QMainWindow::closeEvent(event);
@@ -244,9 +251,10 @@ void CPackageWindow::ShowListing(std::shared_ptr<const CPackageListing> listing)
   fTypes->clear();
   fTypes->addItem(Text(kPackageAllTypes));
   for (const auto& [code, name] : fListing->fTypeNames) fTypes->addItem(name, code);
-  fTree->expandToDepth(0);
+  ExpandFolders(false);
   fPages->setCurrentIndex(kPackagePage);
   fTree->setFocus();
+  EnableJobs(true);
   ShowChosen();
 }
 
@@ -261,36 +269,31 @@ void CPackageWindow::ApplyFilter() {
   const QVariant type = fTypes->currentData();
   fModel->SetFilter(fFilter->text(), type.isValid() ? std::optional(type.toInt()) : std::nullopt);
   const bool isFiltered = !fFilter->text().isEmpty() || type.isValid();
-  if (isFiltered) {
-    fTree->expandAll();
-  } else {
-    fTree->expandToDepth(0);
-  }
+  ExpandFolders(isFiltered);
   const QModelIndex index = fModel->IndexOf(current);
   fTree->setCurrentIndex(index);
   if (index.isValid()) fTree->scrollTo(index);
   ShowChosen();
 }
 
-std::vector<CPackageWindow::Node> CPackageWindow::ChosenNodes() const {
-  std::vector<Node> nodes;
-  for (const QModelIndex& index : fTree->selectionModel()->selectedRows()) {
-    nodes.push_back(fModel->NodeOf(index));
+/// All of them, or the outermost. Behind a reset of the model, when the tree only notes which are
+/// open and lays them out together: expandAll would note every file, too.
+void CPackageWindow::ExpandFolders(bool all) {
+  for (const QModelIndex& folder : fModel->ShownFolders()) {
+    if (all || !folder.parent().isValid()) fTree->expand(folder);
   }
-  return nodes;
 }
 
 void CPackageWindow::ShowChosen() {
   if (fListing == nullptr) return;
-  const std::vector<Node> nodes = ChosenNodes();
+  const std::vector<Node> nodes = fTree->ChosenNodes();
   fDetails->Show(fListing, nodes.size() == 1 ? nodes.front() : CEntryTree::kRoot);
   fExtract->setText(Text(nodes.empty() ? kExtractAllCommand : kExtractCommand));
-  ShowCounts();
+  ShowCounts(nodes);
 }
 
-void CPackageWindow::ShowCounts() {
+void CPackageWindow::ShowCounts(const std::vector<Node>& nodes) {
   const CPackageEntries& all = fListing->fContents->Entries();
-  const std::vector<Node> nodes = ChosenNodes();
   const auto number = [](std::size_t count) { return FromQt(QLocale().toString(count)); };
   const auto packed = [](const CPackageEntries& entries) {
     std::uint64_t bytes = 0;
@@ -324,7 +327,7 @@ void CPackageWindow::GoTo(const QString& path) {
 void CPackageWindow::Extract() {
   const QString folder = fDialogs.fChooseFolder(this, Text(kChooseFolder));
   if (folder.isEmpty()) return;
-  std::vector<Node> nodes = ChosenNodes();
+  std::vector<Node> nodes = fTree->ChosenNodes();
   if (nodes.empty()) nodes.push_back(CEntryTree::kRoot);
   ExtractInto(folder, fListing->fContents->EntriesBelow(nodes),
               CPackageExtractor::EExisting::kRefuse);
@@ -368,7 +371,7 @@ void CPackageWindow::Run(CStringNumber title, Job job, Failed failed) {
   fProgress->setValue(0);
   fProgress->show();
   fStop->show();
-  for (QPushButton* const button : {fExtract, fVerify, fCompare}) button->setEnabled(false);
+  EnableJobs(false);
   const auto work = [this, listing = fListing, job = std::move(job)](const CTaskLink& link) {
     const CJobView view{[&](int thousandths, const QString& item) {
                           link.Post([this, thousandths, item] {
@@ -385,7 +388,7 @@ void CPackageWindow::Run(CStringNumber title, Job job, Failed failed) {
   };
   fJob.Start(work, [this, failed = std::move(failed)](const std::exception_ptr& failure) {
     EndJob(fResults->Heading());
-    if (failure == nullptr) return;
+    if (failure == nullptr) return fDialogs.fTellEnd(*this, fResults->Heading());
     fResults->hide();
     if (failed && failed(failure)) return;
     fDialogs.fShowAlert(this, AlertOfFailure(fTexts, failure, {}));
@@ -402,7 +405,20 @@ void CPackageWindow::EndJob(const QString& heading) {
   fProgress->hide();
   fStop->hide();
   fItem->clear();
-  for (QPushButton* const button : {fExtract, fVerify, fCompare}) button->setEnabled(true);
+  EnableJobs(true);
+}
+
+bool IsPackageFile(const QString& path) {
+  return path.endsWith(".tmb", Qt::CaseInsensitive) && QFileInfo(path).isFile();
+}
+
+void CPackageWindow::dragEnterEvent(QDragEnterEvent* event) {
+  if (IsPackageFile(DraggedPath(*event->mimeData()))) event->acceptProposedAction();
+}
+
+void CPackageWindow::dropEvent(QDropEvent* event) {
+  event->acceptProposedAction();
+  OpenPackageWindow(fTexts, DraggedPath(*event->mimeData()));
 }
 
 CPackageWindow* OpenPackageWindow(const CTextResources& texts, const QString& path) {

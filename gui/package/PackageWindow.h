@@ -8,12 +8,13 @@
 #include <QPushButton>
 #include <QSplitter>
 #include <QStackedWidget>
-#include <QTreeView>
 #include <functional>
 #include <memory>
 
+#include "gui/WindowMenus.h"
 #include "gui/package/BackgroundTask.h"
 #include "gui/package/DetailsPane.h"
+#include "gui/package/EntryView.h"
 #include "gui/package/FaultPage.h"
 #include "gui/package/PackageDialogs.h"
 #include "gui/package/PackageJobs.h"
@@ -39,6 +40,8 @@ class CPackageWindow : public QMainWindow {
 
  protected:
   void closeEvent(QCloseEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
 
  private:
   using Node = CPackageListing::Node;
@@ -49,20 +52,22 @@ class CPackageWindow : public QMainWindow {
   QWidget* BuildBar();
   QWidget* BuildPanes();
   void BuildStatus();
-  void BuildTree();
-  void AddShortcuts();
+  void BuildMenus();
   void RestoreState();
 
   void ShowListing(std::shared_ptr<const CPackageListing> listing);
   void GatherSizes(const CTaskLink& link, const std::shared_ptr<const CPackageListing>& listing);
   void ShowOpeningFault(const std::exception_ptr& failure);
   void ApplyFilter();
+  void ExpandFolders(bool all);
   void ShowChosen();
-  void ShowCounts();
+  void ShowCounts(const std::vector<Node>& chosen);
   void GoTo(const QString& path);
   void Escape();
 
-  std::vector<Node> ChosenNodes() const;
+  void OpenOther();
+  void EnableJobs(bool isEnabled);
+
   void Extract();
   void ExtractInto(const QString& folder, NSTambraPacking::CPackageEntries entries,
                    NSTambraPacking::CPackageExtractor::EExisting existing);
@@ -81,6 +86,7 @@ class CPackageWindow : public QMainWindow {
   std::shared_ptr<const CPackageListing> fListing;
   QString fPath;
 
+  CWindowMenus* fMenus = nullptr;
   QStackedWidget* fPages = nullptr;
   QLabel* fOpeningLabel = nullptr;
   CFaultPage* fFault = nullptr;
@@ -89,7 +95,7 @@ class CPackageWindow : public QMainWindow {
   QPushButton* fExtract = nullptr;
   QPushButton* fVerify = nullptr;
   QPushButton* fCompare = nullptr;
-  QTreeView* fTree = nullptr;
+  CEntryView* fTree = nullptr;
   CDetailsPane* fDetails = nullptr;
   CResultPane* fResults = nullptr;
   QSplitter* fColumns = nullptr;
@@ -102,6 +108,9 @@ class CPackageWindow : public QMainWindow {
   CBackgroundTask fOpening;
   CBackgroundTask fJob;
 };
+
+/// What a file that is dropped must look like.
+bool IsPackageFile(const QString& path);
 
 /// Opens a window of its own, which goes when it is closed. The texts must outlive it.
 CPackageWindow* OpenPackageWindow(const NSTambraPacking::CTextResources& texts,

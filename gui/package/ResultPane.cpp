@@ -34,6 +34,7 @@ CResultPane::CResultPane(const NSTambraPacking::CTextResources& texts, QWidget* 
   fModel->setHorizontalHeaderLabels({ToQt(texts.Text(kColumnWhat)), ToQt(texts.Text(kInfoName)),
                                      ToQt(texts.Text(kColumnDetail))});
   fList->setModel(fModel);
+  fList->setSelectionMode(QAbstractItemView::ExtendedSelection);  // to be copied
   fList->setAccessibleName(ToQt(texts.Text(kResultsList)));
   fList->setMinimumHeight(8 * fontMetrics().height());
   fList->setRootIsDecorated(false);
@@ -71,6 +72,7 @@ void CResultPane::Add(const std::vector<CResultLine>& lines) {
     QList<QStandardItem*> row;
     for (const QString& text : {line.fWhat, line.fName, line.fDetail}) {
       row.append(new QStandardItem(text));
+      row.back()->setToolTip(ToolTipOf(text));
     }
     row.front()->setData(line.fPath, kPathRole);
     fModel->appendRow(row);

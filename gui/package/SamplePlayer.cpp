@@ -20,10 +20,12 @@ namespace NSTambraGui {
 
 #ifdef TAMBRA_MULTIMEDIA
 
+namespace {
+
 /// A sample on its way to the device.
-class CSamplePlayer::COutput {
+class CPlaying {
  public:
-  COutput(const NSBigFilePackage::SharedMedia& stream, const std::function<void()>& ended)
+  CPlaying(const NSBigFilePackage::SharedMedia& stream, const std::function<void()>& ended)
       : fSource(stream), fSink(QMediaDevices::defaultAudioOutput(), fSource.Format()) {
     QObject::connect(&fSink, &QAudioSink::stateChanged, &fSink, [ended](QAudio::State state) {
       if (state == QAudio::IdleState || state == QAudio::StoppedState) ended();
@@ -32,25 +34,33 @@ class CSamplePlayer::COutput {
     fSink.start(&fSource);
   }
 
-  static bool IsThere() { return !QMediaDevices::defaultAudioOutput().isNull(); }
+  ~CPlaying() { fSink.disconnect(); }
 
  private:
   CSampleSource fSource;
   QAudioSink fSink;
 };
 
+}  // namespace
+
+CSoundOutput CSoundOutput::OfTheSystem() {
+  return {[] { return !QMediaDevices::defaultAudioOutput().isNull(); },
+          [](const NSBigFilePackage::SharedMedia& stream, const std::function<void()>& ended) {
+            return std::make_shared<CPlaying>(stream, ended);
+          }};
+}
+
 #else
 
-class CSamplePlayer::COutput {
- public:
-  COutput(const NSBigFilePackage::SharedMedia&, const std::function<void()>&) {}
-  static bool IsThere() { return false; }
-};
+CSoundOutput CSoundOutput::OfTheSystem() {
+  return {[] { return false; }, {}};
+}
 
 #endif
 
-CSamplePlayer::CSamplePlayer(const NSTambraPacking::CTextResources& texts, QWidget* parent)
-    : QWidget(parent), fTexts(texts), fButton(new QPushButton(this)) {
+CSamplePlayer::CSamplePlayer(const NSTambraPacking::CTextResources& texts, QWidget* parent,
+                             CSoundOutput output)
+    : QWidget(parent), fTexts(texts), fOutput(std::move(output)), fButton(new QPushButton(this)) {
   auto* const layout = new QHBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(fButton);
@@ -59,26 +69,25 @@ CSamplePlayer::CSamplePlayer(const NSTambraPacking::CTextResources& texts, QWidg
   hide();
 }
 
-CSamplePlayer::~CSamplePlayer() = default;
-
 void CSamplePlayer::SetSample(NSBigFilePackage::SharedMedia stream) {
   Stop();
   fStream = std::move(stream);
-  setVisible(fStream != nullptr && COutput::IsThere());
+  setVisible(fStream != nullptr && fOutput.fIsThere());
 }
 
 void CSamplePlayer::Toggle() {
-  if (fOutput != nullptr) return Stop();
-  fButton->setText(ToQt(fTexts.Text(NSTambraPacking::kStopCommand)));
-  fOutput = std::make_unique<COutput>(fStream, [this] {
-    // Not while the device is still telling.
-    QMetaObject::invokeMethod(
-        this, [this] { Stop(); }, Qt::QueuedConnection);
+  if (fPlaying != nullptr) return Stop();
+  fPlaying = fOutput.fPlay(fStream, [this, run = ++fRun] {
+    const auto stop = [this, run] {
+      if (run == fRun) Stop();
+    };
+    QMetaObject::invokeMethod(this, stop, Qt::QueuedConnection);  // not while the device tells it
   });
+  fButton->setText(ToQt(fTexts.Text(NSTambraPacking::kStopCommand)));
 }
 
 void CSamplePlayer::Stop() {
-  fOutput.reset();
+  fPlaying.reset();
   fButton->setText(ToQt(fTexts.Text(NSTambraPacking::kPlayCommand)));
 }
 

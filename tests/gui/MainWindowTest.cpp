@@ -1,17 +1,16 @@
-#include <QAccessible>
+#include <QClipboard>
 #include <QMenuBar>
 #include <QMimeData>
-#include <QSettings>
 #include <QtTest>
 
 #include "app/demo/DemoLibrary.h"
 #include "gui/AboutDialog.h"
 #include "gui/AlertDialog.h"
 #include "gui/MainWindow.h"
-#include "gui/QtText.h"
 #include "gui/SplashFile.h"
 #include "gui/WindowTexts.h"
 #include "gui/package/PackageWindow.h"
+#include "tests/gui/WindowUnderTest.h"
 #include "tests/support/Library.h"
 
 namespace {
@@ -20,15 +19,16 @@ using namespace NSTambraGui;
 using namespace NSTambraPacking;
 namespace fs = std::filesystem;
 
-constexpr int kPatience = 20000;  // milliseconds; only what hangs takes so long
+using NSTest::kPatience;
 
 /// A main window whose dialogs are answered by the test: alerts by the label of a button, in order.
-class CTestWindow {
+class CTestWindow : public NSTest::CWindowUnderTest {
  public:
   CTestWindow()
       : fWindow(fTexts, {[this](QWidget*, const QString&, const QString&) { return fFolder; },
                          [this](QWidget*, const QString&, const QString&) { return fFile; },
-                         [this](const QUrl& address) { fOpened.append(address); }}) {
+                         [this](const QUrl& address) { fOpened.append(address); },
+                         [this](QWidget&, const QString& message) { fEnds.append(message); }}) {
     QObject::connect(&fTimer, &QTimer::timeout, &fWindow, [this] { AnswerAlert(); });
     fTimer.start(5);
     fWindow.show();
@@ -53,21 +53,7 @@ class CTestWindow {
     const bool ended = QTest::qWaitFor([this] { return !fWindow.IsPacking(); }, kPatience);
     return ended ? fMessages : QStringList("the run does not end");
   }
-  template <class Widget>
-  Widget& Find(CStringNumber accessibleName) {
-    for (Widget* const widget : fWindow.findChildren<Widget*>()) {
-      if (widget->accessibleName() == Text(accessibleName)) return *widget;
-    }
-    throw std::runtime_error("no such widget");
-  }
-  void Press(CStringNumber label) {
-    for (QPushButton* const button : fWindow.findChildren<QPushButton*>()) {
-      if (button->text() == Text(label)) return button->click();
-    }
-    throw std::runtime_error("no such button");
-  }
-  QString Text(CStringNumber number) const { return ToQt(fTexts.Text(number)); }
-  QString State() { return Find<QLabel>(kTextProgress).text(); }
+  QString State() { return fWindow.StateText(); }
   QStringList Findings() {
     const QAbstractItemModel& model = *Find<QTreeView>(kTextFindings).model();
     QStringList rows;
@@ -77,25 +63,16 @@ class CTestWindow {
     }
     return rows;
   }
-  void Drop(QWidget& target, const fs::path& path) {
-    QMimeData data;
-    data.setUrls({QUrl::fromLocalFile(PathToQt(path))});
-    QDragEnterEvent enter({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(&target, &enter);
-    QVERIFY(enter.isAccepted());
-    QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(&target, &drop);
-  }
-
-  CTextResources fTexts;
   QString fFolder;
   QString fFile;
   QStringList fAnswers;
   QStringList fMessages;
   QList<QUrl> fOpened;
+  QStringList fEnds;
   CMainWindow fWindow;
 
  private:
+  QWidget& Window() override { return fWindow; }
   void AnswerAlert() {
     auto* const alert = qobject_cast<CAlertDialog*>(QApplication::activeModalWidget());
     if (alert == nullptr) return;
@@ -119,27 +96,17 @@ class CMainWindowTest : public QObject {
   Q_OBJECT
 
  private slots:
-  void initTestCase();
   void looksAtTheFolderAndAgainWhenItChanges();
   void packsAndShowsEveryEnding();
   void stopsInTheMiddle();
   void showsEveryAlertWithItsButtonsInOrder();
   void obeysEveryCommand();
+  void editsTextsAndCopiesFindings();
+  void survivesWhatHappensToTheFolder();
   void takesWhatIsDropped();
   void savesInformationAndSplash();
   void isAccessibleAndRemembers();
-
- private:
-  NSTest::CTemporaryFolder fSettings;
 };
-
-void CMainWindowTest::initTestCase() {
-  QCoreApplication::setOrganizationName("Test");
-  QSettings::setDefaultFormat(QSettings::IniFormat);
-  QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, PathToQt(fSettings.Path()));
-  qputenv("XDG_CACHE_HOME", PathToQt(fSettings.Path()).toUtf8());
-  qputenv("LOCALAPPDATA", PathToQt(fSettings.Path()).toUtf8());
-}
 
 void CMainWindowTest::looksAtTheFolderAndAgainWhenItChanges() {
   NSTest::CLibrary library;
@@ -149,7 +116,7 @@ void CMainWindowTest::looksAtTheFolderAndAgainWhenItChanges() {
   QVERIFY2(window.State().startsWith("Ready to pack: 2 files"), qPrintable(window.State()));
   QCOMPARE(window.Findings().size(), 1);
   QVERIFY(window.Findings().front().startsWith("Left out|b.doc|"));
-  QCOMPARE(window.Find<QLabel>(kTextOutputFolder).text(), "The Tambra will be “Kit.tmb”.");
+  QCOMPARE(window.fWindow.OutputName(), "Kit.tmb");
   QCOMPARE(window.Find<CSplashView>(kTextSplash).PictureSize(), QSize(64, 64));
   library.WithPatch("a/p.dp01", {{.fRelative = "/y.wav"}}).WithFile("c.wav", "RIFF");
   QVERIFY(QTest::qWaitFor([&] { return window.State() == "Not ready (problems: 2)"; }, kPatience));
@@ -159,7 +126,7 @@ void CMainWindowTest::looksAtTheFolderAndAgainWhenItChanges() {
   library.Without("c.wav").Without("a/p.dp01").Without("NAME.TXT");
   QVERIFY(QTest::qWaitFor([&] { return window.State() == "Not ready (problems: 1)"; }, kPatience));
   QCOMPARE(window.Findings().filter("Please specify a name").size(), 1);
-  QCOMPARE(window.Find<QLabel>(kTextOutputFolder).text(), "The Tambra will be “output.tmb”.");
+  QCOMPARE(window.fWindow.OutputName(), "output.tmb");
 }
 
 void CMainWindowTest::packsAndShowsEveryEnding() {
@@ -192,6 +159,10 @@ void CMainWindowTest::packsAndShowsEveryEnding() {
   library.Without("Splash.jpg");
   QVERIFY(window.Pack({"OK"}).last().contains("Splash.jpg"));
   QVERIFY(window.fWindow.Command(kCommandCreate)->isEnabled());
+  // Told when the work is done, not when the alert is answered; not for what the user refused.
+  const QString yes = window.Text(kTextPacked);
+  const QString no = window.Text(kTextNotPacked);
+  QCOMPARE(window.fEnds, QStringList({no, yes, yes, no, no, no}));
 }
 
 void CMainWindowTest::stopsInTheMiddle() {
@@ -251,8 +222,8 @@ void CMainWindowTest::showsEveryAlertWithItsButtonsInOrder() {
 void CMainWindowTest::obeysEveryCommand() {
   CTestWindow window;
   std::set<int> left;
-  for (const CMenu& menu : window.fTexts.Menus().Menus()) {
-    for (const CMenuItem& item : menu.fItems) {
+  for (const int menu : {kMenuFile, kMenuTambra, kMenuEdit, kMenuHelp, kMenuContacts}) {
+    for (const CMenuItem& item : window.fTexts.Menus().Menu(menu).fItems) {
       if (!item.IsSeparator()) left.insert(item.fId);
     }
   }
@@ -289,10 +260,38 @@ void CMainWindowTest::obeysEveryCommand() {
   });
   window.fWindow.Command(kCommandAbout)->trigger();
   QVERIFY(!window.fWindow.Command(kCommandSaveInformation)->isEnabled());
+  const auto* const input = window.fWindow.findChild<CFolderChooser*>();
+  window.fFolder = PathToQt(library.Folder().Path());
+  window.fWindow.Command(kCommandInputFolder)->trigger();
+  QCOMPARE(input->Recent().size(), 2);
+  window.fWindow.Command(kCommandClearRecent)->trigger();
+  QCOMPARE(input->Recent(), QStringList(window.fFolder));
   window.fWindow.Command(kCommandExit)->trigger();
   QVERIFY(!window.fWindow.isVisible());
-  for (const int tried : {101, 102, 103, 104, 105, 106, 107, 400, 800, 804}) left.erase(tried);
-  QVERIFY(left.empty());
+  for (const int tried : {101, 102, 103, 104, 105, 106, 107, 108, 400, 800, 804}) left.erase(tried);
+  QCOMPARE(left, (std::set{110, 111, 112, 113, 114, 115}));  // of Edit
+}
+
+void CMainWindowTest::editsTextsAndCopiesFindings() {
+  NSTest::CLibrary library;
+  library.WithFile("b.doc", "?");
+  CTestWindow window;
+  window.Choose(library.Input(), library.Output());
+  window.fWindow.activateWindow();
+  auto& name = window.Find<QLineEdit>(kInfoName);
+  name.setFocus();
+  const std::pair<int, QString> steps[] = {{kCommandSelectAll, "Kit"}, {kCommandCut, ""},
+                                           {kCommandPaste, "Kit"},     {kCommandPaste, "KitKit"},
+                                           {kCommandUndo, "Kit"},      {kCommandRedo, "KitKit"}};
+  for (const auto& [command, text] : steps) {
+    window.fWindow.Command(command)->trigger();
+    QCOMPARE(name.text(), text);
+  }
+  window.Find<QTreeView>(kTextFindings).setFocus();
+  window.fWindow.Command(kCommandSelectAll)->trigger();
+  window.fWindow.Command(kCommandCopy)->trigger();
+  QVERIFY(QApplication::clipboard()->text().startsWith("Left out\tb.doc\t"));
+  window.Press(kTextRevert);
 }
 
 void CMainWindowTest::takesWhatIsDropped() {
@@ -305,6 +304,31 @@ void CMainWindowTest::takesWhatIsDropped() {
   QCOMPARE(choosers[1]->Folder(), PathToQt(library.Folder().Path()));
   window.WaitForLook();
   QVERIFY(window.fWindow.Command(kCommandCreate)->isEnabled());
+}
+
+void CMainWindowTest::survivesWhatHappensToTheFolder() {
+  NSTest::CLibrary library;
+  for (int i = 0; i < 200; ++i) library.WithSample("s" + std::to_string(i) + ".wav");
+  CTestWindow window;
+  window.Choose(library.Input(), library.Output());
+  fs::remove_all(library.Input());
+  QVERIFY(QTest::qWaitFor([&] { return window.State() == "Not ready (problems: 1)"; }, kPatience));
+  QVERIFY(!window.Pack({}).isEmpty());
+  // Gone while it is looked at, and while it is packed.
+  for (const bool packs : {false, true}) {
+    NSTest::CLibrary other;
+    for (int i = 0; i < 200; ++i) other.WithSample("s" + std::to_string(i) + ".wav");
+    CTestWindow second;
+    second.fFolder = PathToQt(other.Output());
+    second.fWindow.Command(kCommandOutputFolder)->trigger();
+    second.fFolder = PathToQt(other.Input());
+    second.fWindow.Command(kCommandInputFolder)->trigger();
+    if (packs) second.fWindow.Command(kCommandCreate)->trigger();
+    fs::remove_all(other.Input());
+    QVERIFY(QTest::qWaitFor([&] { return !second.fWindow.IsPacking(); }, kPatience));
+    QVERIFY(QTest::qWaitFor([&] { return second.State().startsWith("Not ready"); }, kPatience));
+    QVERIFY(!fs::exists(other.Output() / "Kit.tmb"));
+  }
 }
 
 void CMainWindowTest::savesInformationAndSplash() {
@@ -349,22 +373,21 @@ void CMainWindowTest::isAccessibleAndRemembers() {
   QCOMPARE(window.fWindow.size(), QSize(911, 707));
   QCOMPARE(window.fWindow.findChild<CFolderChooser*>()->Folder(), PathToQt(library.Input()));
   window.WaitForLook();
-  for (QWidget* const widget : window.fWindow.findChildren<QWidget*>()) {
-    if (widget->focusPolicy() == Qt::NoFocus || !widget->isVisible()) continue;
-    QAccessibleInterface* const face = QAccessible::queryAccessibleInterface(widget);
-    if (face == nullptr || widget->objectName().startsWith("qt_")) continue;
-    const bool isPart = widget->inherits("QHeaderView") || widget->inherits("QSplitter");
-    QVERIFY2(isPart || !face->text(QAccessible::Name).isEmpty(), widget->metaObject()->className());
+  QCOMPARE(window.FindNameless(), QString());
+  QStringList order;
+  for (QWidget* widget = window.fWindow.nextInFocusChain(); widget != &window.fWindow;
+       widget = widget->nextInFocusChain()) {
+    if (widget->focusPolicy() & Qt::TabFocus) order += widget->accessibleName();
   }
+  const QStringList expected = {window.Text(kTextInputFolder), window.Text(kTextOutputFolder),
+                                window.Text(kInfoName), window.Text(kTextFindings)};
+  QVERIFY(
+      std::ranges::is_sorted(expected, {}, [&](const auto& name) { return order.indexOf(name); }));
+  QVERIFY(order.indexOf(expected[0]) >= 0);
 }
 
 }  // namespace
 
-int main(int argc, char** argv) {
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  QApplication application(argc, argv);
-  CMainWindowTest test;
-  return QTest::qExec(&test, argc, argv);
-}
+int main(int argc, char** argv) { return NSTest::RunWindowTest<CMainWindowTest>(argc, argv); }
 
 #include "MainWindowTest.moc"
