@@ -64,14 +64,13 @@ void VerifyPackage(const CPhaseContext& context) {
   }
 }
 
-void KeepPackedEntries(const CPhaseContext& context) {
-  CPackJobState& state = context.fState;
+void KeepPackedEntries(CPackJobState& state, const CTambraPackProgress& progress) {
   if (state.fSettings.fCache == nullptr) return;
   std::vector<CPackCache::CCandidate> candidates;
   for (const CJobEntry& entry : state.fEntries) {
     if (entry.fCacheTicket) candidates.push_back({&*entry.fCacheTicket, entry.fEntry->Data()});
   }
-  state.fSettings.fCache->Keep(candidates, [&context] { return context.StopRequested(); });
+  state.fSettings.fCache->Keep(candidates, [&progress] { return progress.StopRequested(); });
 }
 
 }  // namespace NSTambraPacking

@@ -149,16 +149,23 @@ void CPackCache::Keep(const std::vector<CCandidate>& candidates,
       bytes += CStreamCache::RoomFor(candidate.fData->Size());
     }
     std::uint64_t room = fCache->MakeRoom(std::min(bytes, FreeRoom()));
+    const auto checkStop = [&stopRequested] {
+      if (stopRequested()) throw NSMordel::XSilentAbort("User aborted");
+    };
     for (const auto& [ticket, data] : wanted) {
-      if (stopRequested()) break;
       const std::uint64_t needed = CStreamCache::RoomFor(data->Size());
       if (needed > room) continue;
       if (fCache->Contains(ticket->fKey)) continue;  // two files with the same bytes
-      if (!fCache->Keep(ticket->fKey, *data, *ticket->fProven, ticket->fRemarks)) continue;
+      if (!fCache->Keep(ticket->fKey, *data, *ticket->fProven, ticket->fRemarks, checkStop)) {
+        continue;
+      }
       room -= needed;
       ++fKept;
     }
+    checkStop();
     fCache->Save();
+  } catch (const NSMordel::XSilentAbort&) {
+    fKept = 0;  // saving would have the user wait for the disk
   } catch (const std::exception& e) {
     fKept = 0;
     NoteTrouble(e);

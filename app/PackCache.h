@@ -72,7 +72,8 @@ class CPackCache {
   /// The digest that proofs are told by. Only while open; throws what reading throws.
   NSBigFilePackage::CDigest DigestOf(const NSBigFilePackage::IMedia& media,
                                      const std::function<void()>& checkStop) const;
-  /// Keeps those that are proven, as far as there is room, and saves. Ends early on a stop request.
+  /// Keeps those that are proven, as far as there is room, and saves. A stop request ends it soon,
+  /// with nothing kept.
   void Keep(const std::vector<CCandidate>& candidates, const std::function<bool()>& stopRequested);
 
   bool IsOpen() const { return fCache != nullptr; }

@@ -51,8 +51,8 @@ void ComposePackage(const CPhaseContext& context);
 /// 8: reads the package file back and verifies it. Throws XFormatViolation when its header is not
 /// the one that was written.
 void VerifyPackage(const CPhaseContext& context);
-/// Behind 8: gives what was packed and verified to the cache, if there is one. Throws nothing of
-/// it.
-void KeepPackedEntries(const CPhaseContext& context);
+/// Behind all else, when package and log are out: gives what was packed and verified to the cache,
+/// if there is one. Throws nothing of it, and not on a stop request, which only ends it.
+void KeepPackedEntries(CPackJobState& state, const CTambraPackProgress& progress);
 
 }  // namespace NSTambraPacking

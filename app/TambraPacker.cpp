@@ -43,7 +43,9 @@ class CWorkingFileEnd {
   explicit CWorkingFileEnd(CPackJobState& state) : fState(state) {}
   CWorkingFileEnd(const CWorkingFileEnd&) = delete;
   CWorkingFileEnd& operator=(const CWorkingFileEnd&) = delete;
-  ~CWorkingFileEnd() {
+  ~CWorkingFileEnd() { End(); }
+
+  void End() {
     fState.fStore.reset();
     fState.fWorkingFile.reset();
     if (fState.fSettings.fCache != nullptr) fState.fSettings.fCache->Close();
@@ -73,18 +75,22 @@ EPackEnding CTambraPacker::Run(const CPackSettings& settings, CPackageInformatio
       CPhase{PlacePackageEntries, ESituation::kComposing},
       CPhase{ComposePackage, ESituation::kComposing},
       CPhase{VerifyPackage, ESituation::kFinalVerification},
-      CPhase{KeepPackedEntries, ESituation::kGeneral},
   };
   Prepare(settings);
   PrepareOutput();
+  CWorkingFileEnd workingFileEnd(*fState);
   try {
     RunPhases(kPhases, progress);
   } catch (const NSMordel::XAbort&) {
+    workingFileEnd.End();
     CloseAborted();
     throw NSMordel::XSilentAbort();
   }
   information = fState->fInformation;
-  return Close();
+  WriteLog(kLogComplete);
+  KeepPackedEntries(*fState, progress);
+  workingFileEnd.End();
+  return ShowEnding();
 }
 
 void CTambraPacker::Check(const CPackSettings& settings, CPackageInformation& information,
@@ -136,7 +142,6 @@ void CTambraPacker::PrepareOutput() {
 }
 
 void CTambraPacker::RunPhases(std::span<const CPhase> phases, CTambraPackProgress& progress) {
-  const CWorkingFileEnd workingFileEnd(*fState);
   progress.Attach(*this);
   const CJobAlerts alerts(fTexts, fPresenter, &progress);
   const CPhaseContext context{*fState, this, &progress, alerts};
@@ -162,8 +167,7 @@ void CTambraPacker::CheckExternalReferences(bool warn) {
   }
 }
 
-EPackEnding CTambraPacker::Close() {
-  WriteLog(kLogComplete);
+EPackEnding CTambraPacker::ShowEnding() const {
   const CPackLists& lists = fState->fLists;
   const std::u16string count =
       NSTolbrook::TextFromUtf8(std::to_string(fState->fInformation.fFileCount));

@@ -59,7 +59,7 @@ class CTambraPacker : private IPackJobChecks {
   void Prepare(const CPackSettings& settings);
   void PrepareOutput();
   void RunPhases(std::span<const CPhase> phases, CTambraPackProgress& progress);
-  EPackEnding Close();
+  EPackEnding ShowEnding() const;
   void CloseAborted();
   void WriteLog(CStringNumber closingLine);
   bool Ask(CAlertNumber number, const std::vector<std::u16string>& arguments) const;

@@ -73,6 +73,7 @@ std::unique_ptr<CStreamCache> CStreamCache::OpenLocked(CFile file, std::uint64_t
   const std::uint64_t size = file.Size();
   const auto media =
       std::make_shared<CStdioMedia>(std::move(file), CStdioMedia::EAccess::kReadWrite);
+  media->SetFlush(CStdioMedia::EFlush::kAsWritten);
   std::unique_ptr<CStreamCache> cache(new CStreamCache(media, limit));
   if (size == 0 || size > limit) {
     cache->Begin();
@@ -200,12 +201,13 @@ std::uint64_t CStreamCache::MakeRoom(std::uint64_t bytes) {
 }
 
 bool CStreamCache::Keep(const CDigest& key, const IMedia& stream, const CDigest& digest,
-                        std::uint8_t note) {
+                        std::uint8_t note, const std::function<void()>& checkStop) {
   const auto copy = fStore->NewStream();
   try {
     CDigester digester(*fSecret);
     CMediaCursor cursor(*copy);
     ReadThrough(stream, [&](std::span<const std::uint8_t> piece) {
+      checkStop();
       digester.Add(piece);
       cursor.Write(piece);
     });

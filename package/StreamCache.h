@@ -73,8 +73,10 @@ class CStreamCache {
   /// The room that a stream of so many bytes takes.
   static std::uint64_t RoomFor(std::uint64_t length);
   /// Copies `stream` in under `key`, which must be new, as long as its bytes have `digest`; returns
-  /// false when they do not. Throws what reading and writing throw, and nothing is kept then.
-  bool Keep(const CDigest& key, const IMedia& stream, const CDigest& digest, std::uint8_t note);
+  /// false when they do not. Throws what reading, writing and `checkStop` throw, and nothing is
+  /// kept then.
+  bool Keep(const CDigest& key, const IMedia& stream, const CDigest& digest, std::uint8_t note,
+            const std::function<void()>& checkStop);
   /// Makes all changes last. Throws as CBlockStore::Commit.
   void Save();
 
