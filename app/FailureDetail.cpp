@@ -26,6 +26,15 @@ CFailureDetail OwnDetail(const std::exception_ptr& failure) {
   }
 }
 
+/// The folder for a file that has no name yet: its temporary one tells a user nothing.
+std::string WithoutTemporaryName(const std::string& path) {
+  const std::size_t slash = path.find_last_of("/\\");
+  const bool hasFolder = slash != std::string::npos;
+  const std::string name = hasFolder ? path.substr(slash + 1) : path;
+  if (!name.starts_with(".tambra-") || !name.ends_with(".tmp")) return path;
+  return hasFolder ? path.substr(0, slash) : ".";
+}
+
 }  // namespace
 
 std::u16string CFailureDetail::Line(const CTextResources& texts) const {
@@ -39,6 +48,9 @@ std::u16string CFailureDetail::Line(const CTextResources& texts) const {
 
 CFailureDetail DetailOfFailure(const std::exception_ptr& failure, const std::string& subject) {
   CFailureDetail detail = OwnDetail(failure);
+  for (auto& [key, value] : detail.fContext) {
+    if (key == NSMordel::kTargetObjectId) value = WithoutTemporaryName(value);
+  }
   const bool isNamed =
       std::any_of(detail.fContext.begin(), detail.fContext.end(),
                   [](const auto& value) { return value.first == NSMordel::kTargetObjectId; });

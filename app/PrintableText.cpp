@@ -11,8 +11,9 @@ namespace {
 constexpr char16_t kReplacement = 0xFFFD;
 
 bool IsControl(char16_t unit) {
-  return unit < 0x20 || (unit >= 0x7F && unit < 0xA0) || unit == 0x061C || unit == 0x200E ||
-         unit == 0x200F || (unit >= 0x2028 && unit <= 0x202E) || (unit >= 0x2066 && unit <= 0x2069);
+  if (unit >= 0x20 && unit < 0x7F) return false;  // most are
+  return unit < 0xA0 || unit == 0x061C || unit == 0x200E || unit == 0x200F ||
+         (unit >= 0x2028 && unit <= 0x202E) || (unit >= 0x2066 && unit <= 0x2069);
 }
 
 }  // namespace

@@ -63,7 +63,7 @@ CLI::App* CCacheCommand::Register(CLI::App& program) {
   CLI::App* const command =
       program.add_subcommand("cache", "Show or remove the packed samples that are kept");
   command->add_option("ACTION", fAction, "What to do (default: show)")
-      ->check(CLI::IsMember({"show", "clear"}));
+      ->check(OneOf({"show", "clear"}));
   fLimit.AddOption(*command);
   command->footer(
       "Examples:\n"

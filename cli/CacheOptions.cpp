@@ -36,7 +36,7 @@ void CCacheLimit::AddOption(CLI::App& command) {
       .add_option("--cache-limit", fMegabytes,
                   "Most megabytes that the cache of packed samples takes (default: 4000)")
       ->type_name("MB")
-      ->check(CLI::Range(0U, kMostMegabytes));
+      ->check(NumberFrom(0, kMostMegabytes));
 }
 
 std::uint64_t CCacheLimit::Bytes() const {

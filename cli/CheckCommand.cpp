@@ -24,13 +24,13 @@ CLI::App* CCheckCommand::Register(CLI::App& program) {
       ->type_name(kFolderValue);
   AddJobsOption(*command, fCheck.fJobs, "Threads that verify (default: all cores)");
   command->add_option("--fail-on", fFailOn, "Fail on advice of this severity and worse")
-      ->check(CLI::IsMember({"error", "warning", "note"}))
+      ->check(OneOf({"error", "warning", "note"}))
       ->capture_default_str();
   command->add_option("--overrides", fCheck.fOverrides, "Rules that turn advice up, down or off")
       ->type_name(kFileValue);
   command->add_option("--explain", fExplain, "Tell about a kind of advice")
       ->type_name("ID")
-      ->check(CLI::IsMember(AdviceIds()));
+      ->check(OneOf(AdviceIds()));
   command->add_flag("--list-advice", fList, "List the kinds of advice");
   command->footer(
       "Examples:\n"

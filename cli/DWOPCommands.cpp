@@ -19,6 +19,19 @@ using NSTambraPacking::CDWOPStreamParts;
 using NSTambraPacking::CTextResources;
 using NSTolbrook::TextFromUtf8;
 
+constexpr const char* kStream = "no DWOP stream, or a damaged one: ";
+constexpr const char* kAudioFile = "no WAVE or AIFF file, or a damaged one: ";
+
+/// What `work` returns; `fault` goes before what it says of a file that is not of the right form.
+template <class Work>
+auto WithFault(const char* fault, const Work& work) {
+  try {
+    return work();
+  } catch (const NSMordel::XFormatViolation& e) {
+    throw NSMordel::XFormatViolation(std::string(fault) + e.Message(), e.Context());
+  }
+}
+
 /// The command that the three stand below.
 CLI::App& Parent(CLI::App& program) {
   constexpr const char* kName = "dwop";
@@ -71,9 +84,13 @@ int CConvertCommand::Run(const CGlobalOptions& options) {
   const CStopSignal signal;
   try {
     using EExisting = NSTolbrook::IOutputFile::EExisting;
-    const NSTambraPacking::CConvertedSample converted = NSTambraPacking::ConvertSample(
-        fWork, PathArgument(fFile), PathArgument(fOutput),
-        fReplace ? EExisting::kReplace : EExisting::kRefuse, ThrowIfStopped);
+    const bool encodes = fWork == NSTambraPacking::ESampleWork::kEncode;
+    const NSTambraPacking::CConvertedSample converted =
+        WithFault(encodes ? kAudioFile : kStream, [&] {
+          return NSTambraPacking::ConvertSample(fWork, PathArgument(fFile), PathArgument(fOutput),
+                                                fReplace ? EExisting::kReplace : EExisting::kRefuse,
+                                                ThrowIfStopped);
+        });
     if (console.Json()) {
       console.PrintJson({{"output", fOutput},
                          {"size", converted.fSize},
@@ -165,7 +182,8 @@ int CDWOPInfoCommand::Run(const CGlobalOptions& options) {
   const CConsole console = options.Console();
   const CStopSignal signal;
   const auto media = NSBigFilePackage::CStdioMedia::OpenForReading(PathArgument(fFile));
-  const CDWOPStreamParts parts = NSTambraPacking::CheckDWOPStream(*media, ThrowIfStopped);
+  const CDWOPStreamParts parts =
+      WithFault(kStream, [&] { return NSTambraPacking::CheckDWOPStream(*media, ThrowIfStopped); });
   if (console.Json()) {
     PrintJson(console, parts);
   } else {

@@ -68,8 +68,10 @@ void AppendEscaped(std::string& json, std::string_view text) {
 
 std::string CJson::NumberText(double value) { return fmt::format("{}", value); }
 
-CJson::CJson(std::string_view text) {
-  const std::string valid = NSTolbrook::Utf8FromText(NSTolbrook::TextFromUtf8(text));
+CJson::CJson(std::string_view text) : CJson(NSTolbrook::TextFromUtf8(text)) {}
+
+CJson::CJson(const std::u16string& text) {
+  const std::string valid = NSTolbrook::Utf8FromText(text);
   fText.reserve(valid.size() + 2);
   fText += '"';
   AppendEscaped(fText, valid);

@@ -27,6 +27,7 @@ class CJson {
   /// A text in UTF-8; what is not valid becomes U+FFFD.
   CJson(std::string_view text);
   CJson(const std::string& text) : CJson(std::string_view(text)) {}
+  CJson(const std::u16string& text);
   CJson(const char* text) : CJson(std::string_view(text)) {}
   /// An object, its members in this order.
   CJson(std::initializer_list<CMember> members);

@@ -12,7 +12,6 @@ namespace NSTambraCli {
 
 namespace {
 
-using NSTolbrook::Utf8FromText;
 using Entries = std::vector<std::shared_ptr<NSTambraPacking::CPackageEntry>>;
 
 /// Written piece by piece: a tree of as many objects would take longer than all the rest.
@@ -23,12 +22,11 @@ void PrintJson(const CConsole& console, const NSTambraPacking::CTextResources& t
   for (const auto& entry : entries) {
     std::string& name = names[entry->TypeCode()];
     if (name.empty()) {
-      name = CJson(Utf8FromText(NSTambraPacking::EntryTypeName(texts, entry->TypeCode()))).Text();
+      name = CJson(NSTambraPacking::EntryTypeName(texts, entry->TypeCode())).Text();
     }
     list += list.empty() ? "{\"path\":" : ",{\"path\":";
-    list += CJson(Utf8FromText(entry->Path())).Text() +
-            ",\"type\":" + std::to_string(entry->TypeCode()) + ",\"type_name\":" + name +
-            ",\"size\":" + std::to_string(entry->Data()->Size()) +
+    list += CJson(entry->Path()).Text() + ",\"type\":" + std::to_string(entry->TypeCode()) +
+            ",\"type_name\":" + name + ",\"size\":" + std::to_string(entry->Data()->Size()) +
             ",\"flag\":" + std::to_string(entry->Flag()) + "}";
   }
   console.Print("{\"entries\":[" + list + "]}");

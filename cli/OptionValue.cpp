@@ -1,5 +1,10 @@
 #include "cli/OptionValue.h"
 
+#include <algorithm>
+#include <charconv>
+
+#include "cli/Suggestion.h"
+
 namespace NSTambraCli {
 
 std::vector<std::string> Choices(const CLI::Option& option) {
@@ -28,6 +33,29 @@ std::string ValueName(const CLI::Option& option) {
 }
 
 bool TakesValue(const CLI::Option& option) { return option.get_items_expected_max() > 0; }
+
+CLI::Validator OneOf(const std::vector<std::string>& values) {
+  const auto fault = [values](const std::string& given) -> std::string {
+    if (std::ranges::find(values, given) != values.end()) return {};
+    const std::string meant = ClosestName(given, values);
+    if (!meant.empty()) return "there is no \"" + given + "\"; did you mean " + meant + "?";
+    return "\"" + given + "\" is none of: " + CLI::detail::join(values, ", ");
+  };
+  return {fault, "{" + CLI::detail::join(values, ",") + "}"};
+}
+
+CLI::Validator NumberFrom(unsigned least, unsigned most) {
+  const auto fault = [least, most](const std::string& given) -> std::string {
+    unsigned number = 0;
+    const char* const end = given.data() + given.size();
+    const auto parsed = std::from_chars(given.data(), end, number);
+    const bool isNumber = parsed.ec == std::errc{} && parsed.ptr == end;
+    if (isNumber && number >= least && number <= most) return {};
+    return "\"" + given + "\" is no number from " + std::to_string(least) + " to " +
+           std::to_string(most);
+  };
+  return {fault, {}};
+}
 
 std::vector<std::string> NamesOf(const CLI::Option& option) {
   std::vector<std::string> names;

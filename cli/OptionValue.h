@@ -24,6 +24,11 @@ std::string ValueName(const CLI::Option& option);
 std::vector<std::string> Choices(const CLI::Option& option);
 /// Whether the option stands before a value: it is no flag.
 bool TakesValue(const CLI::Option& option);
+/// Refuses a value that is not one of `values`, which the option's choices are then.
+CLI::Validator OneOf(const std::vector<std::string>& values);
+/// Refuses a value that is no whole number from `least` to `most`.
+CLI::Validator NumberFrom(unsigned least, unsigned most);
+
 /// The names as they are typed, long ones first.
 std::vector<std::string> NamesOf(const CLI::Option& option);
 

@@ -1,4 +1,5 @@
 #include <cstdio>
+#include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
 #include <sys/ioctl.h>
@@ -56,6 +57,14 @@ bool WriteText(EStandardStream stream, std::string_view text) {
   return std::fwrite(text.data(), 1, text.size(), file) == text.size();
 }
 
-void PrepareConsole() { signal(SIGPIPE, SIG_IGN); }
+void PrepareConsole() {
+  signal(SIGPIPE, SIG_IGN);
+  // A stream that is closed would leave its number, and all that is written to it, to the next file
+  // that is opened. What is opened here the wrong way round fails like a closed stream.
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(stream, F_GETFD) != -1) continue;
+    if (open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY) == -1) return;
+  }
+}
 
 }  // namespace NSTambraCli

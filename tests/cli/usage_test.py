@@ -61,6 +61,11 @@ class UsageTest(unittest.TestCase):
                 (["pack", "a", "b", "--texts", "--json"], " pack", "--texts needs a value: --texts FOLDER"),
                 (["pack", "a", "b", "--jobs", "0"], " pack", jobs.format("0")),
                 (["check", "a", "--jobs", "x"], " check", jobs.format("x")),
+                (["pack", "a", "b", "--cache-limit", "-1"], " pack",
+                 '--cache-limit: "-1" is no number from 0 to 1000000'),
+                (["cache", "foo"], " cache", 'ACTION: "foo" is none of: show, clear'),
+                (["check", "--explain", "loop-clik"], " check",
+                 '--explain: there is no "loop-clik"; did you mean loop-click?'),
                 (["pack", "a", "b", "--answer", "20=Foo"], " pack",
                  'alert 20 has no button "Foo", but "Cancel", "Replace"'),
                 (["pack", "a", "b", "--answer", "foo"], " pack",
@@ -118,6 +123,9 @@ class UsageTest(unittest.TestCase):
                 (["info", "short.tmb"], 4, [f"short.tmb: {damaged}"]),
                 (["list", "empty.tmb"], 4, [f"empty.tmb: {damaged}"]),
                 (["verify", "demo/Splash.jpg"], 4, [f"demo/Splash.jpg: {damaged}"]),
+                (["dwop", "info", "demo/Splash.jpg"], 4, ["demo/Splash.jpg: no DWOP stream, or a damaged one: "]),
+                (["dwop", "encode", "demo/Splash.jpg", "x"], 4,
+                 ["demo/Splash.jpg: no WAVE or AIFF file, or a damaged one: "]),
                 (["check", "nothing"], 4, [GONE, "nothing: the input folder does not exist"]),
                 (["pack", "nothing", "no"], 4, [GONE, "nothing: the input folder does not exist"])):
             with self.subTest(arguments=arguments):
@@ -126,6 +134,13 @@ class UsageTest(unittest.TestCase):
                 for line, start in zip(error, lines):
                     self.assertTrue(line.startswith(start), error)
         self.assertFalse((BASE / "no").exists() or (BASE / "x").exists())
+
+    def test_files_are_not_taken_for_streams_that_are_closed(self):
+        done = subprocess.run(f'"{PROGRAM}" pack demo closed --no-cache <&- >&- 2>&-', shell=True, cwd=BASE,
+                              check=False, env={**os.environ, "LC_ALL": "C.UTF-8"})
+        self.assertEqual(done.returncode, 0)
+        self.assertEqual((BASE / "closed" / PACKAGE[4:]).read_bytes(), (BASE / PACKAGE).read_bytes())
+        self.assertEqual([path.read_text() for path in (BASE / "closed").glob("*.txt")], ["Packing complete\n"])
 
     def test_a_full_disk_under_standard_output_is_told(self):
         with open("/dev/full", "wb") as full:

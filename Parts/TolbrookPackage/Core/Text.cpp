@@ -138,6 +138,10 @@ std::string Utf8FromText(std::u16string_view text) {
   std::string bytes;
   bytes.reserve(text.size());
   for (std::size_t index = 0; index < text.size();) {
+    if (text[index] < 0x80) {  // most are
+      bytes += static_cast<char>(text[index++]);
+      continue;
+    }
     const char32_t code = TakeCodePoint(text, index);
     AppendUtf8(bytes, IsSurrogate(code) ? kReplacement : code);
   }
