@@ -43,7 +43,8 @@ std::u16string CFailureDetail::Line(const CTextResources& texts) const {
     if (key == NSMordel::kTargetObjectId) object = NSTolbrook::TextFromUtf8(value);
   }
   const std::u16string message = NSTolbrook::TextFromUtf8(fMessage);
-  return object.empty() ? message : texts.Text(kFailureDetail, {object, message});
+  const bool namesIt = message.starts_with(object + u", ");  // a line or offset follows
+  return object.empty() || namesIt ? message : texts.Text(kFailureDetail, {object, message});
 }
 
 CFailureDetail DetailOfFailure(const std::exception_ptr& failure, const std::string& subject) {

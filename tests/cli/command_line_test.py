@@ -498,6 +498,10 @@ class CommandLineTest(unittest.TestCase):
         self.assertRegex(tambra("list", f"out/{PACKAGE}", "--texts", "tables")[2][0],
                          r"^\d+ Bytes in 60 Dateien$")
 
+        (tables / "128.txt").write_bytes(b"1 {x\r\n")
+        self.assertEqual(tambra("list", f"out/{PACKAGE}", "--texts", "tables")[2], [
+            "tables/SSTR/128.txt, line 1: an entry's text ends with '}' on the same line"])
+
     def test_the_sliced_loop_library(self):
         loop = lambda flags, slices: b"LQXT\x01\x01\x02" + bytes([flags, 4]) + slices
         library("Loops", {"good.lqx": loop(0, b"ab"), "bad.lqx": loop(2, b"ab")})
