@@ -31,7 +31,7 @@ CContentsPanel::CContentsPanel(const CTextResources& texts, QWidget* parent)
       fTypes(new QTreeWidget),
       fFindings(new QTreeView),
       fModel(new CFindingsModel(texts, this)),
-      fDetail(new QLabel) {
+      fDetail(new QPlainTextEdit) {
   BuildTypes();
   auto* const splitter = new QSplitter;
   splitter->addWidget(Group(Text(kTextContents), fTypes));
@@ -66,13 +66,15 @@ QWidget* CContentsPanel::BuildFindings() {
   fFindings->header()->resizeSection(0, fFindings->fontMetrics().averageCharWidth() * 14);
   fFindings->header()->resizeSection(1, fFindings->fontMetrics().averageCharWidth() * 28);
   // What a row has no room for, hints above all.
-  fDetail->setTextFormat(Qt::PlainText);
-  fDetail->setWordWrap(true);
-  fDetail->setTextInteractionFlags(Qt::TextSelectableByMouse);
-  fDetail->setAlignment(Qt::AlignTop | Qt::AlignLeft);
-  fDetail->setMinimumHeight(fDetail->fontMetrics().lineSpacing() * 3);
+  fDetail->setReadOnly(true);
+  fDetail->setTabChangesFocus(true);
+  fDetail->setFrameShape(QFrame::NoFrame);
+  fDetail->viewport()->setAutoFillBackground(false);
+  fDetail->document()->setDocumentMargin(0);
+  fDetail->setFixedHeight(fDetail->fontMetrics().lineSpacing() * 4);
+  fDetail->setAccessibleName(Text(kTextFinding));
   connect(fFindings->selectionModel(), &QItemSelectionModel::currentChanged, this,
-          [this](const QModelIndex& index) { fDetail->setText(fModel->Detail(index.row())); });
+          [this](const QModelIndex& index) { fDetail->setPlainText(fModel->Detail(index.row())); });
   auto* const box = new QWidget;
   auto* const column = new QVBoxLayout(box);
   column->setContentsMargins(0, 0, 0, 0);
@@ -92,7 +94,7 @@ void CContentsPanel::Show(const SharedLook& look) {
   }
   fModel->SetLook(look);
   fFindings->setCurrentIndex(fModel->index(0, 0));
-  fDetail->setText(fModel->Detail(0));
+  fDetail->setPlainText(fModel->Detail(0));
 }
 
 QString CContentsPanel::Text(CStringNumber number) const { return ToQt(fTexts.Text(number)); }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <QGroupBox>
-#include <QLabel>
+#include <QPlainTextEdit>
 #include <QTableView>
 #include <QTreeWidget>
 
@@ -30,7 +30,7 @@ class CContentsPanel : public QWidget {
   QTreeWidget* fTypes;
   QTreeView* fFindings;
   CFindingsModel* fModel;
-  QLabel* fDetail;
+  QPlainTextEdit* fDetail;
 };
 
 }  // namespace NSTambraGui
