@@ -17,9 +17,16 @@ namespace {
 using NSTolbrook::EFileKind;
 using NSTolbrook::NativePath;
 
+/// Without "." and ".."; a path that has none stays as it is, since not all that a network path
+/// begins with would survive.
+NativePath NormalPath(const NativePath& path) {
+  const auto isStep = [](const NativePath& name) { return name == "." || name == ".."; };
+  return std::any_of(path.begin(), path.end(), isStep) ? path.lexically_normal() : path;
+}
+
 /// The canonical form of a path whose last components may not exist yet.
 NativePath FutureCanonicalPath(const NativePath& path) {
-  NativePath existing = std::filesystem::absolute(path).lexically_normal();
+  NativePath existing = NormalPath(std::filesystem::absolute(path));
   NativePath missing;
   while (NSTolbrook::FileStatus(existing, true).fKind == EFileKind::kMissing &&
          existing.has_relative_path()) {
@@ -27,7 +34,7 @@ NativePath FutureCanonicalPath(const NativePath& path) {
     existing = existing.parent_path();
   }
   const NativePath found = NSTolbrook::CanonicalPath(existing);
-  return missing.empty() ? found : (found / missing).lexically_normal();
+  return missing.empty() ? found : NormalPath(found / missing);
 }
 
 bool IsInside(const NativePath& outer, const NativePath& inner) {

@@ -56,7 +56,8 @@ CProgram::CProgram()
   fApp.set_help_flag("--help,-h", "Show examples, arguments and options");
   fApp.set_version_flag("--version", VersionReport, "Show the version and what it is built of");
   fApp.require_subcommand(1);
-  fApp.group("Commands");  // inherited: their title
+  fApp.allow_windows_style_options(false);  // "/x" is a path on every system
+  fApp.group("Commands");                   // inherited: their title
   fApp.footer(kProgramHelp);
   Add(std::make_unique<CPackCommand>());
   Add(std::make_unique<CCheckCommand>());

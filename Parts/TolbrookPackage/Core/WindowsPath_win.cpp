@@ -72,17 +72,28 @@ std::wstring FullPath(const std::wstring& path) {
   return full;
 }
 
+/// Without "." and "..", and without a separator at the end.
+std::wstring NormalPath(const NativePath& path) {
+  NativePath normal = path.lexically_normal().make_preferred();
+  if (!normal.has_filename() && normal.has_relative_path()) normal = normal.parent_path();
+  return normal.native();
+}
+
+bool IsNetworkPath(const std::wstring& path) {
+  constexpr std::wstring_view kSeparators = L"\\/";
+  return path.size() > 2 && kSeparators.find(path[0]) != kSeparators.npos &&
+         kSeparators.find(path[1]) != kSeparators.npos;
+}
+
 /// As FullPath, but with every name as it stands.
 std::wstring AbsolutePath(const NativePath& path) {
-  NativePath absolute = path;
-  if (!path.is_absolute()) {
-    // The folder from which the system would start: a drive has one of its own.
-    const NativePath start = FullPath(path.has_root_name() ? path.root_name().native() : L".");
-    absolute = (path.has_root_directory() ? start.root_path() : start) / path.relative_path();
-  }
-  absolute = absolute.lexically_normal().make_preferred();
-  if (!absolute.has_filename() && absolute.has_relative_path()) absolute = absolute.parent_path();
-  return absolute.native();
+  // The standard library takes a server for a folder, and would take one separator away.
+  if (IsNetworkPath(path.native())) return L"\\\\" + NormalPath(path.native().substr(2));
+  if (path.is_absolute()) return NormalPath(path);
+  // The folder from which the system would start: a drive has one of its own.
+  const NativePath start = FullPath(path.has_root_name() ? path.root_name().native() : L".");
+  if (path.has_root_directory()) return NormalPath(start.root_path() / path.relative_path());
+  return NormalPath(start / path.relative_path());
 }
 
 }  // namespace
