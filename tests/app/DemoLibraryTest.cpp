@@ -228,7 +228,7 @@ TEST_F(DemoLibrary, HasSoundsOfAllKinds) {
 
 TEST_F(DemoLibrary, HasABankWithTheNamesThatDocumentsReferTo) {
   const CSoundFontBank bank =
-      CSoundFontParser(CStdioMedia::OpenForReading(Folder().Path() / "Bänke/Kleine Bank.sf2"))
+      CSoundFontParser(CStdioMedia::OpenForReading(Folder().Path() / u"Bänke/Kleine Bank.sf2"))
           .Parse();
   EXPECT_EQ(bank.fName, u"Kleine Bank");
   ASSERT_EQ(bank.fSamples.size(), 2U);

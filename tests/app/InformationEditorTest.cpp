@@ -88,7 +88,7 @@ TEST(InformationEditor, ChangesOneTextAndNothingElse) {
     Files found;
     for (const auto& item : std::filesystem::directory_iterator(folder.Path())) {
       std::ifstream stream(item.path(), std::ios::binary);
-      found[item.path().filename().string()] = {std::istreambuf_iterator<char>(stream), {}};
+      found[NSTest::Utf8Of(item.path().filename())] = {std::istreambuf_iterator<char>(stream), {}};
     }
     EXPECT_EQ(found, expected);
   }

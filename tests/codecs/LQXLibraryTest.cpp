@@ -1,4 +1,3 @@
-#include <cstdlib>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <string>
@@ -9,6 +8,7 @@
 #include "codecs/LQXLibrary.h"
 #include "package/MemoryMedia.h"
 #include "tests/support/FailingMedia.h"
+#include "tests/support/SystemDifferences.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace NSTambraPacking {
@@ -37,8 +37,8 @@ std::string OpenFailure(const NSTolbrook::NativePath& path) {
 
 class LQXLibrary : public testing::Test {
  protected:
-  void SetUp() override { unsetenv(CLQXLibrary::kEnvironmentVariable); }
-  void TearDown() override { unsetenv(CLQXLibrary::kEnvironmentVariable); }
+  void SetUp() override { NSTest::SetVariable(CLQXLibrary::kEnvironmentVariable); }
+  void TearDown() override { NSTest::SetVariable(CLQXLibrary::kEnvironmentVariable); }
 
   static std::int32_t OpenLoops() {
     const NSTolbrook::CDynamicLibrary again{LQX_STANDIN};
@@ -141,15 +141,15 @@ TEST_F(LQXLibrary, IsLookedForInOrder) {
   EXPECT_FALSE(find());
   EXPECT_TRUE(find(LQX_STANDIN));
 
-  std::filesystem::create_symlink(LQX_STANDIN, fFolder.Path() / CLQXLibrary::FileName());
+  std::filesystem::copy_file(LQX_STANDIN, fFolder.Path() / CLQXLibrary::FileName());
   EXPECT_TRUE(find());
-  setenv(CLQXLibrary::kEnvironmentVariable, missing.c_str(), 1);
+  NSTest::SetVariable(CLQXLibrary::kEnvironmentVariable, missing.string());
   EXPECT_THAT(failure(), HasSubstr("missing.so\" (named by TAMBRA_LQX_LIBRARY)"));
   EXPECT_TRUE(find(LQX_STANDIN));
-  setenv(CLQXLibrary::kEnvironmentVariable, LQX_STANDIN, 1);
+  NSTest::SetVariable(CLQXLibrary::kEnvironmentVariable, LQX_STANDIN);
   EXPECT_THAT(failure(missing), HasSubstr("missing.so\" (named by an option)"));
 
-  unsetenv(CLQXLibrary::kEnvironmentVariable);
+  NSTest::SetVariable(CLQXLibrary::kEnvironmentVariable);
   std::filesystem::remove(fFolder.Path() / CLQXLibrary::FileName());
   fFolder.Write(CLQXLibrary::FileName(), "no library");
   EXPECT_THAT(failure(), HasSubstr("(beside the program)"));

@@ -98,7 +98,7 @@ class CPackRun {
     std::set<std::string> names;
     if (!std::filesystem::exists(Output())) return names;
     for (const auto& item : std::filesystem::directory_iterator(Output())) {
-      names.insert(item.path().filename().string());
+      names.insert(Utf8Of(item.path().filename()));
     }
     return names;
   }
