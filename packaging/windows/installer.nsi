@@ -1,5 +1,6 @@
 ; The installer of the command line for one user: makensis -DVERSION=... -DFOLDER=... -DOUTPUT=...
 Unicode true
+Target amd64-unicode
 SetCompressor /SOLID lzma
 Name "Tambra packer ${VERSION}"
 OutFile "${OUTPUT}"
