@@ -61,6 +61,7 @@ QWidget* CContentsPanel::BuildFindings() {
   fFindings->setRootIsDecorated(false);
   fFindings->setUniformRowHeights(true);
   fFindings->setTextElideMode(Qt::ElideMiddle);
+  fFindings->setMinimumHeight(fFindings->fontMetrics().lineSpacing() * 5);
   fFindings->setSelectionMode(QAbstractItemView::ExtendedSelection);  // to be copied
   fFindings->setAccessibleName(Text(kTextFindings));
   fFindings->header()->resizeSection(0, fFindings->fontMetrics().averageCharWidth() * 14);
@@ -71,7 +72,8 @@ QWidget* CContentsPanel::BuildFindings() {
   fDetail->setFrameShape(QFrame::NoFrame);
   fDetail->viewport()->setAutoFillBackground(false);
   fDetail->document()->setDocumentMargin(0);
-  fDetail->setFixedHeight(fDetail->fontMetrics().lineSpacing() * 4);
+  fDetail->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  fDetail->setFixedHeight(fDetail->fontMetrics().lineSpacing() * 9 / 2);
   fDetail->setAccessibleName(Text(kTextFinding));
   connect(fFindings->selectionModel(), &QItemSelectionModel::currentChanged, this,
           [this](const QModelIndex& index) { fDetail->setPlainText(fModel->Detail(index.row())); });

@@ -21,6 +21,9 @@ class CContentsPanel : public QWidget {
 
   void Show(const SharedLook& look);
 
+  /// What room is left is welcome, none is asked for.
+  QSize sizeHint() const override { return minimumSizeHint(); }
+
  private:
   void BuildTypes();
   QWidget* BuildFindings();
