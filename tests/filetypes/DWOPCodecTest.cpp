@@ -7,6 +7,7 @@
 #include <rapidcheck.h>
 #include <rapidcheck/gtest.h>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Parts/TolbrookPackage/Core/ByteOrder.h"
@@ -251,6 +252,45 @@ CSamples GluedSignal(CRandom& random, unsigned width, std::size_t count) {
   return samples;
 }
 
+/// Each form makes the same stream of the samples, and the samples of the stream.
+void ExpectBackInEveryForm(const CReferenceFormat& format, const CSamples& samples) {
+  const CBytes stream = Encode(format, samples, EDWOPForm::kPortable);
+  const CMemoryMedia media(stream);
+  for (const EDWOPForm form : Forms()) {
+    ASSERT_TRUE(Encode(format, samples, form) == stream);
+    COptimizedDWOPDecompressorFromMedia decompressor(
+        HeaderFor(format, samples.size() / format.fChannels), media, 26, form);
+    CSamples decoded(samples.size());
+    decompressor.Decode(decoded);
+    ASSERT_TRUE(decoded == samples);
+    ASSERT_EQ(26 + decompressor.WordsConsumed() * 4, stream.size());
+  }
+}
+
+/// Alternating extremes of the second channel let the sum of the highest order wrap around, until a
+/// value can bring it to 0, below all that sums come to otherwise, and the modulus with it.
+TEST(DWOPCodec, AModulusOfZeroIsOne) {
+  constexpr std::int32_t kMost = (1 << 24) - 1;
+  std::uint32_t errors[5] = {}, sum = 2560;
+  CSamples samples;
+  for (bool isFound = false; !isFound;) {
+    const std::uint32_t zigzag = (sum >> 5) - sum;
+    std::uint32_t wanted = (zigzag >> 1) ^ (0U - (zigzag & 1));
+    for (int order = 0; order < 4; ++order) wanted += errors[order];
+    isFound = std::abs(std::int64_t{static_cast<std::int32_t>(wanted)}) <= kMost;
+    const std::int32_t extreme = samples.size() % 4 == 0 ? kMost : -kMost;
+    const std::int32_t value = isFound ? static_cast<std::int32_t>(wanted) : extreme;
+    samples.insert(samples.end(), {(value >> 1) - value, value >> 1});
+    auto error = static_cast<std::uint32_t>(value);
+    for (std::uint32_t& last : errors) error -= std::exchange(last, error);
+    sum = sum - (sum >> 5) + ((errors[4] << 1) ^ (0U - (errors[4] >> 31)));
+  }
+  ASSERT_EQ(sum, 0U);
+  samples.resize(samples.size() + 600, 1);
+  ExpectBackInEveryForm({2, 24, 48000}, samples);
+  ExpectSameDecoding(Encode({2, 24, 48000}, samples), "modulus 0");
+}
+
 /// Streams of the lengths at which blocks end, and of odd ones, in all forms both ways. The
 /// environment says how many.
 TEST(DWOPCodec, GivesBackThousandsOfStreamsInEveryForm) {
@@ -262,16 +302,7 @@ TEST(DWOPCodec, GivesBackThousandsOfStreamsInEveryForm) {
     const CReferenceFormat format{random() % 2 + 1, random() % 2 ? 16U : 24U, 48000};
     const std::size_t length = i % 4 ? random() % 2000 | 1 : kLengths[random() % 6];
     const CSamples samples = GluedSignal(random, format.fWidth, length * format.fChannels);
-    const CBytes stream = Encode(format, samples, EDWOPForm::kPortable);
-    const CMemoryMedia media(stream);
-    for (const EDWOPForm form : Forms()) {
-      ASSERT_TRUE(Encode(format, samples, form) == stream) << "stream " << i;
-      COptimizedDWOPDecompressorFromMedia decompressor(HeaderFor(format, length), media, 26, form);
-      CSamples decoded(samples.size());
-      decompressor.Decode(decoded);
-      ASSERT_TRUE(decoded == samples) << "stream " << i;
-      ASSERT_EQ(26 + decompressor.WordsConsumed() * 4, stream.size()) << "stream " << i;
-    }
+    ASSERT_NO_FATAL_FAILURE(ExpectBackInEveryForm(format, samples)) << "stream " << i;
   }
   RecordProperty("round_trips", count * static_cast<int>(Forms().size()));
   RecordProperty("streams", count);
