@@ -5,8 +5,8 @@
 
 using namespace NSTambraPacking;
 
-/// What a window shows of a package: each entry is described, or said to be at fault, and a sample's
-/// waveform has all its stretches.
+/// What a window shows of a package: each entry is described, or said to be at fault, and a
+/// sample's waveform has all its stretches.
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const CTextResources texts;
   static const NSTest::CTemporaryFolder folder;
