@@ -199,8 +199,9 @@ TEST_F(DemoLibrary, HasSoundsOfAllKinds) {
   };
   for (const CAudioCase& expected : cases) {
     SCOPED_TRACE(expected.fPath);
-    auto audio = CAudioFile::Open(CStdioMedia::OpenForReading(Folder().Path() / expected.fPath),
-                                  expected.fContainer);
+    auto audio = CAudioFile::Open(
+        CStdioMedia::OpenForReading(Folder().Path() / NSTest::CUtf8Path(expected.fPath)),
+        expected.fContainer);
     const CAudioFormat format = audio.Format();
     const CInstrument instrument = audio.Instrument();
     EXPECT_EQ(format.fChannels, expected.fChannels);

@@ -120,7 +120,8 @@ TEST(TextResources, ATranslatorsFolderReplacesWholeTables) {
   EXPECT_EQ(texts.Alert({1997, 203}).fMessage, u"Erreur [disque].");
   EXPECT_EQ(texts.Alert(kAlertUnknownError).fMessage, u"An unknown error occured!");
 
-  const auto bad = folder.Write("bad/SALR/128.txt", "4 {[STOP]a[OK]}\r\n5 no brace\r\n");
+  auto bad = folder.Write("bad/SALR/128.txt", "4 {[STOP]a[OK]}\r\n5 no brace\r\n");
+  bad.make_preferred();
   try {
     CTextResources({folder.Path() / "bad"});
     FAIL();

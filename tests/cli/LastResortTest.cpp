@@ -41,7 +41,7 @@ TEST(Json, IsWrittenOnOneLine) {
   CJson value = {{"texts", {{hostile, "\xFF"}}}, {"array", array}, {"none", empty}};
   value.Add("null", nullptr);
   EXPECT_EQ(value.Text(),
-            "{\"texts\":{\"\\\"\\\\/\\b\\f\\n\\r\\t\\u0001\x7F \\u0000é\":\"\uFFFD\"},"
+            "{\"texts\":{\"\\\"\\\\/\\b\\f\\n\\r\\t\\u0001\\u007f \\u0000é\":\"\uFFFD\"},"
             "\"array\":[true,-5,18446744073709551615],\"none\":[],\"null\":null}");
 }
 

@@ -105,8 +105,10 @@ CSystemFailure WindowsFailure(DWORD number) {
 std::wstring ExtendedPath(const NativePath& path) {
   const std::wstring& given = path.native();
   if (given.starts_with(kLocalPrefix) || given.starts_with(kDevicePrefix)) return given;
-  const std::wstring full = FullPath(given);
-  if (full.starts_with(kDevicePrefix)) return full;
+  if (!path.has_parent_path()) {
+    const std::wstring full = FullPath(given);
+    if (full.starts_with(kDevicePrefix)) return full;
+  }
   const std::wstring absolute = AbsolutePath(path);
   if (absolute.starts_with(L"\\\\")) return std::wstring(kNetworkPrefix) + absolute.substr(2);
   return std::wstring(kLocalPrefix) + absolute;
