@@ -17,10 +17,11 @@ std::string CHelpFormatter::make_help(const CLI::App* app, std::string name,
 
 std::string CHelpFormatter::OptionGroups(const CLI::App& command) const {
   std::vector<const CLI::Option*> own = OptionsOf(command);
-  const auto common = std::ranges::stable_partition(
-      own, [](const CLI::Option* option) { return option->get_group() != kCommonOptions; });
-  const std::vector<const CLI::Option*> shared(common.begin(), common.end());
-  own.erase(common.begin(), common.end());
+  const auto common = std::stable_partition(own.begin(), own.end(), [](const CLI::Option* option) {
+    return option->get_group() != kCommonOptions;
+  });
+  const std::vector<const CLI::Option*> shared(common, own.end());
+  own.erase(common, own.end());
   std::string text;
   if (!own.empty()) text += make_group("Options", false, own);
   if (!shared.empty()) text += make_group(kCommonOptions, false, shared);
