@@ -237,7 +237,6 @@ void CMainWindow::ShowListed(const SharedLook& look) {
 
 void CMainWindow::ShowChecked(const SharedLook& look) {
   fLook = look;
-  fIsListed = true;
   fContents->Show(look);
   UpdateState();
 }
@@ -337,14 +336,15 @@ void CMainWindow::UpdateState() {
   Command(kCommandCreate)->setEnabled(isReady);
   fCreateTambraButton->setEnabled(isReady);
   Command(kCommandSaveInformation)->setEnabled(fInformation->IsEdited());
-  fInformation->setEnabled(!fInput->Folder().isEmpty() && !IsPacking());
+  // What has not been read would be saved as empty.
+  fInformation->setEnabled(fIsListed && !IsPacking());
   fState->setText(StateText());
   fOutputName->setText(Text(kTextOutputName, {FromQt(OutputName())}));
 }
 
 QString CMainWindow::StateText() const {
   if (fInput->Folder().isEmpty()) return Text(kTextNoInput);
-  if (!fIsListed) return Text(kTextLooking);
+  if (!fIsListed && !fLook->fIsChecked) return Text(kTextLooking);
   if (!fLook->fIsChecked) return Text(kTextChecking, {Number(static_cast<qint64>(fLook->fCount))});
   const auto problems = std::count_if(
       fLook->fFindings.begin(), fLook->fFindings.end(),
