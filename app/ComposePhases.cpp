@@ -17,15 +17,11 @@ using NSBigFilePackage::CTemporaryFile;
 /// Removes what was composed so far and, at the same time, the packed entries: giving back the room
 /// of large files takes a while, and a user who stopped the run waits for it.
 void RemoveBoth(std::optional<CTemporaryFile>& composed, CPackJobState& state) {
-  const auto removePacked = [&state] {
-    state.fStore.reset();
-    state.fWorkingFile.reset();
-  };
   std::thread other;
   try {
-    other = std::thread(removePacked);
+    other = std::thread([&state] { state.RemovePackedEntries(); });
   } catch (const std::exception&) {
-    removePacked();  // no memory for a thread: one behind the other, then
+    state.RemovePackedEntries();  // no memory for a thread: one behind the other, then
   }
   composed.reset();
   if (other.joinable()) other.join();

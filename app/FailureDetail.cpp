@@ -7,6 +7,7 @@
 
 #include "app/ExceptionAlerts.h"
 #include "app/PrintableText.h"
+#include "package/TemporaryFile.h"
 
 namespace NSTambraPacking {
 
@@ -31,7 +32,7 @@ std::string WithoutTemporaryName(const std::string& path) {
   const std::size_t slash = path.find_last_of("/\\");
   const bool hasFolder = slash != std::string::npos;
   const std::string name = hasFolder ? path.substr(slash + 1) : path;
-  if (!name.starts_with(".tambra-") || !name.ends_with(".tmp")) return path;
+  if (!NSBigFilePackage::CTemporaryFile::IsName(NSTolbrook::TextFromUtf8(name))) return path;
   return hasFolder ? path.substr(0, slash) : ".";
 }
 

@@ -97,6 +97,11 @@ struct CPackJobState {
   /// Hold the packed entries from phase 4 on while the run lasts.
   std::optional<NSBigFilePackage::CTemporaryFile> fWorkingFile;
   std::shared_ptr<NSBigFilePackage::CBlockStore> fStore;
+  /// Gives them up; what was found out stays.
+  void RemovePackedEntries() {
+    fStore.reset();
+    fWorkingFile.reset();
+  }
   /// What goes into the package, information files among it for their texts.
   std::vector<std::shared_ptr<CPackageEntry>> fPackageEntries;
   /// True once the package file has its name, verified or not.

@@ -1,7 +1,6 @@
 #include "app/PackageContents.h"
 
-#include "Parts/TolbrookPackage/Core/Exception.h"
-
+#include "app/FormFault.h"
 #include "filetypes/FileTypeRegistry.h"
 #include "package/PackageTree.h"
 #include "package/PartialMedia.h"
@@ -12,12 +11,7 @@ namespace NSTambraPacking {
 
 CPackageContents::CPackageContents(const NSTolbrook::NativePath& path)
     : fPackage(OpenPackageFile(path)) {
-  try {
-    fEntries = fPackage.fReader.ReadEntries();
-  } catch (const NSMordel::XFormatViolation& e) {
-    throw NSMordel::XFormatViolation(std::string("no package, or a damaged one: ") + e.Message(),
-                                     e.Context());
-  }
+  fEntries = WithFormFault(kNoPackage, [this] { return fPackage.fReader.ReadEntries(); });
   fNodes = AddEntries(fEntries, fTree);
   fEntryOfNode.resize(fTree.NodeCount());
   for (std::size_t i = 0; i < fEntries.size(); ++i) fEntryOfNode[fNodes[i]] = fEntries[i];

@@ -3,9 +3,9 @@
 #include <array>
 
 #include "Parts/TolbrookPackage/Core/ByteOrder.h"
-#include "Parts/TolbrookPackage/Core/Exception.h"
 
 #include "app/FieldDump.h"
+#include "app/FormFault.h"
 #include "filetypes/dwop/DWOPHeader.h"
 #include "package/BlockStoreFormat.h"
 
@@ -14,16 +14,7 @@ namespace NSTambraPacking {
 namespace {
 
 /// Everything that is nothing else is taken for a package.
-void DumpOther(const NSBigFilePackage::SharedMedia& file, const CTextResources& texts,
-               const CDumpReport& report, const std::function<void()>& checkStop) {
-  try {
-    DumpPackage(file, texts, report, checkStop);
-  } catch (const NSMordel::XFormatViolation& e) {
-    throw NSMordel::XFormatViolation(
-        std::string("no package, DWOP stream or block store, or a damaged one: ") + e.Message(),
-        e.Context());
-  }
-}
+constexpr const char* kNothingKnown = "no package, DWOP stream or block store, or a damaged one: ";
 
 bool BeginsLikeBlockStore(const NSBigFilePackage::IMedia& file) {
   std::array<std::uint8_t, 8> bytes{};
@@ -56,7 +47,7 @@ void DumpFile(const NSBigFilePackage::SharedMedia& file, EDumpedFile kind,
               const std::function<void()>& checkStop) {
   switch (kind) {
     case EDumpedFile::kPackage:
-      return DumpOther(file, texts, report, checkStop);
+      return WithFormFault(kNothingKnown, [&] { DumpPackage(file, texts, report, checkStop); });
     case EDumpedFile::kDWOPStream:
       return DumpDWOPStream(file, 0, 0, report, checkStop);
     case EDumpedFile::kBlockStore:

@@ -36,8 +36,8 @@ std::u16string FailingFile(const std::exception_ptr& failure) {
   }
 }
 
-/// Gives up the packed entries at the end of a run, however it ends: the state lives on to tell
-/// what was found out, the working file must not.
+/// Gives up the packed entries at the end of a run, however it ends: the state lives on, the
+/// working file must not.
 class CWorkingFileEnd {
  public:
   explicit CWorkingFileEnd(CPackJobState& state) : fState(state) {}
@@ -46,8 +46,7 @@ class CWorkingFileEnd {
   ~CWorkingFileEnd() { End(); }
 
   void End() {
-    fState.fStore.reset();
-    fState.fWorkingFile.reset();
+    fState.RemovePackedEntries();
     if (fState.fSettings.fCache != nullptr) fState.fSettings.fCache->Close();
   }
 

@@ -1,6 +1,5 @@
 #include "cli/CacheOptions.h"
 
-#include <charconv>
 #include <cstdlib>
 #include <string>
 
@@ -17,16 +16,11 @@ constexpr const char* kVariable = "TAMBRA_CACHE_LIMIT";
 /// The parser's own look at the environment would fail commands that have no such option.
 unsigned MegabytesOfEnvironment() {
   const char* const variable = std::getenv(kVariable);
-  const std::string given = variable == nullptr ? "" : variable;
+  std::string given = variable == nullptr ? "" : variable;
   if (given.empty()) return kUsualMegabytes;
-  unsigned megabytes = 0;
-  const char* const end = given.data() + given.size();
-  const auto parsed = std::from_chars(given.data(), end, megabytes);
-  if (parsed.ec == std::errc{} && parsed.ptr == end && megabytes <= kMostMegabytes) {
-    return megabytes;
-  }
-  throw XWrongUsage(std::string(kVariable) + ": \"" + given + "\" is no number from 0 to " +
-                    std::to_string(kMostMegabytes));
+  const std::string fault = NumberFrom(0, kMostMegabytes)(given);
+  if (!fault.empty()) throw XWrongUsage(std::string(kVariable) + ": " + fault);
+  return static_cast<unsigned>(std::stoul(given));
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "Parts/TolbrookPackage/Core/Exception.h"
 #include "Parts/TolbrookPackage/Core/Text.h"
 
+#include "app/FormFault.h"
 #include "app/SampleFile.h"
 #include "cli/Commands.h"
 #include "cli/ExitStatus.h"
@@ -21,16 +22,6 @@ using NSTolbrook::TextFromUtf8;
 
 constexpr const char* kStream = "no DWOP stream, or a damaged one: ";
 constexpr const char* kAudioFile = "no WAVE or AIFF file, or a damaged one: ";
-
-/// What `work` returns; `fault` goes before what it says of a file that is not of the right form.
-template <class Work>
-auto WithFault(const char* fault, const Work& work) {
-  try {
-    return work();
-  } catch (const NSMordel::XFormatViolation& e) {
-    throw NSMordel::XFormatViolation(std::string(fault) + e.Message(), e.Context());
-  }
-}
 
 /// The command that the three stand below.
 CLI::App& Parent(CLI::App& program) {
@@ -86,7 +77,7 @@ int CConvertCommand::Run(const CGlobalOptions& options) {
     using EExisting = NSTolbrook::IOutputFile::EExisting;
     const bool encodes = fWork == NSTambraPacking::ESampleWork::kEncode;
     const NSTambraPacking::CConvertedSample converted =
-        WithFault(encodes ? kAudioFile : kStream, [&] {
+        NSTambraPacking::WithFormFault(encodes ? kAudioFile : kStream, [&] {
           return NSTambraPacking::ConvertSample(fWork, PathArgument(fFile), PathArgument(fOutput),
                                                 fReplace ? EExisting::kReplace : EExisting::kRefuse,
                                                 ThrowIfStopped);
@@ -182,8 +173,8 @@ int CDWOPInfoCommand::Run(const CGlobalOptions& options) {
   const CConsole console = options.Console();
   const CStopSignal signal;
   const auto media = NSBigFilePackage::CStdioMedia::OpenForReading(PathArgument(fFile));
-  const CDWOPStreamParts parts =
-      WithFault(kStream, [&] { return NSTambraPacking::CheckDWOPStream(*media, ThrowIfStopped); });
+  const CDWOPStreamParts parts = NSTambraPacking::WithFormFault(
+      kStream, [&] { return NSTambraPacking::CheckDWOPStream(*media, ThrowIfStopped); });
   if (console.Json()) {
     PrintJson(console, parts);
   } else {

@@ -45,7 +45,7 @@ class CExtractionReport {
   void Done(const NSTambraPacking::CPackageEntry& entry, const CExtractedEntry& outcome) {
     const bool isDamaged = outcome.fKind == CExtractedEntry::EKind::kDamaged;
     ++(isDamaged ? fDamaged : fWritten);
-    const bool isRelocated = NSTambraPacking::HoldsReferences(entry);
+    const bool isRelocated = !isDamaged && NSTambraPacking::HoldsReferences(entry);
     if (isRelocated) ++fRelocated;
     if (fConsole.Json()) {
       CJson event = {{"event", "file"},

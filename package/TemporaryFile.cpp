@@ -28,18 +28,6 @@ bool IsNumber(std::u16string_view text) {
          std::ranges::all_of(text, [](char16_t c) { return c >= u'0' && c <= u'9'; });
 }
 
-/// Nothing that a user would name a file is taken for one of ours.
-bool IsTemporaryName(const NativePath& name) {
-  const auto text = NSTolbrook::TextFromNative(name);
-  if (!text || !text->starts_with(kPrefix) || !text->ends_with(kSuffix)) return false;
-  if (text->size() < kPrefix.size() + kSuffix.size()) return false;
-  const auto numbers = std::u16string_view(*text).substr(
-      kPrefix.size(), text->size() - kPrefix.size() - kSuffix.size());
-  const std::size_t dash = numbers.find(u'-');
-  return dash != numbers.npos && IsNumber(numbers.substr(0, dash)) &&
-         IsNumber(numbers.substr(dash + 1));
-}
-
 /// Locks the file and makes sure that its name still stands for it: between its opening and the
 /// lock another process may have removed it.
 bool Hold(CFile& file) {
@@ -103,9 +91,19 @@ void CTemporaryFile::CommitAs(const NativePath& path) {
   fMedia->Close();
 }
 
+bool CTemporaryFile::IsName(std::u16string_view name) {
+  if (!name.starts_with(kPrefix) || !name.ends_with(kSuffix)) return false;
+  if (name.size() < kPrefix.size() + kSuffix.size()) return false;
+  const auto numbers = name.substr(kPrefix.size(), name.size() - kPrefix.size() - kSuffix.size());
+  const std::size_t dash = numbers.find(u'-');
+  return dash != numbers.npos && IsNumber(numbers.substr(0, dash)) &&
+         IsNumber(numbers.substr(dash + 1));
+}
+
 void CTemporaryFile::RemoveLeftovers(const NativePath& folder) {
   for (const NSTolbrook::CFolderItem& item : NSTolbrook::ListFolder(folder)) {
-    if (item.fKind == NSTolbrook::EFileKind::kFile && IsTemporaryName(item.fName)) {
+    const auto name = NSTolbrook::TextFromNative(item.fName);
+    if (item.fKind == NSTolbrook::EFileKind::kFile && name && IsName(*name)) {
       RemoveIfLeftOver(folder / item.fName);
     }
   }

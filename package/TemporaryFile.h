@@ -32,6 +32,10 @@ class CTemporaryFile {
   /// (XWrite, XOutOfSpace), it is still a temporary one.
   void CommitAs(const NSTolbrook::NativePath& path);
 
+  /// True for a name such as these files have; nothing that a user would name a file is taken for
+  /// one.
+  static bool IsName(std::u16string_view name);
+
   /// Removes the temporary files in `folder` that no living process holds, those of other users
   /// apart. Throws XOpen, XRead when the folder cannot be read, XDelete.
   static void RemoveLeftovers(const NSTolbrook::NativePath& folder);

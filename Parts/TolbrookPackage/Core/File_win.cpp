@@ -69,6 +69,7 @@ CFile CFile::OpenForUpdate(const NativePath& path) {
 }
 
 CFile CFile::Create(const NativePath& path, ECreate mode) {
+  // kPrivate needs nothing more: other users cannot read below a user's own folder.
   const DWORD disposition = mode == ECreate::kReplace ? CREATE_ALWAYS : CREATE_NEW;
   return CFile(OpenRegular<NSMordel::XCreate>(path, GENERIC_READ | GENERIC_WRITE, disposition,
                                               "cannot make the file"),

@@ -80,7 +80,8 @@ class CHeldPath {
 void CheckReplaceable(const NativePath& path) {
   const EFileKind kind = FileStatus(path, false).fKind;
   if (kind == EFileKind::kMissing || kind == EFileKind::kFile) return;
-  ThrowFileRefusal<NSMordel::XAlreadyExists>("something that is no file has the name", path);
+  ThrowFileRefusal<NSMordel::XAlreadyExists>("something that is no file has the name", path,
+                                             kFolderObject);
 }
 
 NativePath NextName() {
