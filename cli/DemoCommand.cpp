@@ -5,6 +5,7 @@
 #include "app/demo/DemoLibrary.h"
 #include "cli/ExitStatus.h"
 #include "cli/JobSession.h"
+#include "cli/StopSignal.h"
 
 namespace NSTambraCli {
 
@@ -22,7 +23,8 @@ int CDemoCommand::Run(const CGlobalOptions& options) {
   const CConsole console = options.Console();
   const NSTambraPacking::CTextResources texts = LoadTexts(options);
   const NSTolbrook::NativePath folder = PathArgument(fFolder);
-  const std::size_t count = NSTambraPacking::WriteDemoLibrary(folder);
+  const CStopSignal signal;
+  const std::size_t count = NSTambraPacking::WriteDemoLibrary(folder, ThrowIfStopped);
   if (console.Json()) {
     console.PrintJson({{"folder", NSTolbrook::DisplayText(folder)}, {"files", count}});
     return kExitDone;

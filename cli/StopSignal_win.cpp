@@ -16,9 +16,21 @@ constexpr DWORD kCloseMilliseconds = 5000;
 std::atomic<bool> gRequested = false;
 std::atomic<NSTambraPacking::CTambraPackProgress*> gProgress = nullptr;
 
-/// Runs on a thread of its own. The first interrupt is noted, a second one ends the program.
+/// In milliseconds since the system's start; 0 before the first interrupt.
+std::atomic<ULONGLONG> gFirst = 0;
+
+/// Runs on a thread of its own. The first interrupt is noted, a late one ends the program.
 BOOL WINAPI Note(DWORD event) {
-  if (gRequested.exchange(true)) TerminateProcess(GetCurrentProcess(), kExitStopped);
+  const ULONGLONG now = GetTickCount64();
+  if (gRequested.exchange(true)) {
+    const ULONGLONG first = gFirst;
+    const std::chrono::milliseconds patience = CStopSignal::kPatience;
+    if (first != 0 && now - first >= static_cast<ULONGLONG>(patience.count())) {
+      TerminateProcess(GetCurrentProcess(), kExitStopped);
+    }
+  } else {
+    gFirst = now;
+  }
   if (auto* const progress = gProgress.load()) progress->RequestStop();
   // Meanwhile the program removes what it has begun, and ends.
   if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) Sleep(kCloseMilliseconds);
@@ -29,6 +41,7 @@ BOOL WINAPI Note(DWORD event) {
 
 CStopSignal::CStopSignal(NSTambraPacking::CTambraPackProgress* progress) {
   gProgress = progress;
+  gFirst = 0;
   gRequested = false;
   SetConsoleCtrlHandler(Note, TRUE);
 }

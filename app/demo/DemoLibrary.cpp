@@ -85,13 +85,14 @@ class CNewFiles {
 
 }  // namespace
 
-std::size_t WriteDemoLibrary(const NativePath& folder) {
+std::size_t WriteDemoLibrary(const NativePath& folder, const std::function<void()>& checkStop) {
   const NativePath root = std::filesystem::absolute(folder);
   CheckUnused(root);
   const DemoFiles library = MakeLibrary();
   CNewFiles made;
   made.MakeFolder(root);
   for (const CDemoFile& file : library) {
+    checkStop();
     const NativePath path = root / NSTolbrook::NativeFromText(file.fPath);
     made.MakeFolder(path.parent_path());
     made.WriteFile(path, file.fBytes);
