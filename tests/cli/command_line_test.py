@@ -207,9 +207,12 @@ class CommandLineTest(ProgramTest):
             while "2/5 Packing…" not in lines:
                 lines.append(run.stderr.readline().decode().rstrip("\n"))
                 self.assertNotEqual(lines[-1], "", "ended too early")
-            run.send_signal(stop)
+            for _ in range(2):  # the key struck twice: what was begun is removed all the same
+                run.send_signal(stop)
+                time.sleep(0.002)
             error = run.stderr.read().decode()
-            self.assertEqual((run.wait(60), error), (130, "Stopped.\n"))
+            self.assertEqual(error, "Stopped.\n")
+            self.assertIn(run.wait(60), (130, -stop))  # the second may come behind the last word
             run.stderr.close()
             self.assertEqual(tree(BASE / "stopped"), {})
         run = Terminal("pack", "Stray", "stopped")
@@ -218,7 +221,7 @@ class CommandLineTest(ProgramTest):
         self.assertEqual(run.end(), 130)
         self.assertEqual(tree(BASE / "stopped"), {})
 
-    def test_a_late_interrupt_ends_at_once(self):
+    def test_a_second_interrupt_ends_what_a_full_pipe_holds_up(self):
         # A pipe that nobody reads holds the program up, so that it cannot see the first one.
         reader, writer = os.pipe()
         fcntl.fcntl(writer, fcntl.F_SETPIPE_SZ, 4096)
@@ -230,10 +233,9 @@ class CommandLineTest(ProgramTest):
             time.sleep(0.5)
             held, before = struct.unpack("i", fcntl.ioctl(reader, termios.FIONREAD, b"    "))[0], held
             self.assertIsNone(run.poll())
-        for wait in (0.3, 3):  # of one who strikes the key twice, and of one who waits in vain
-            run.send_signal(signal.SIGINT)
-            time.sleep(wait)
-            self.assertIsNone(run.poll())
+        run.send_signal(signal.SIGINT)
+        time.sleep(0.3)
+        self.assertIsNone(run.poll())
         run.send_signal(signal.SIGINT)
         self.assertIn(run.wait(10), (130, -signal.SIGINT))  # to a shell the same
         self.assertGreater(held, 3000)
