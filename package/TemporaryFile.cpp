@@ -58,15 +58,26 @@ void Try(Action action) noexcept {
   }
 }
 
+/// A new file that is held; nothing when it was taken for a leftover before it was locked.
+std::shared_ptr<CStdioMedia> CreateHeld(const NativePath& path) {
+  CFile file = CFile::Create(path, CFile::ECreate::kNew);
+  try {
+    if (!Hold(file)) return nullptr;
+    return std::make_shared<CStdioMedia>(std::move(file), CStdioMedia::EAccess::kReadWrite);
+  } catch (...) {
+    file = CFile();  // not every system removes an open file
+    Try([&path] { NSTolbrook::RemoveFile(path); });
+    throw;
+  }
+}
+
 }  // namespace
 
 CTemporaryFile::CTemporaryFile(const NativePath& folder) {
   while (!fMedia) {
     fPath = folder / NextName();
     try {
-      CFile file = CFile::Create(fPath, CFile::ECreate::kNew);
-      if (!Hold(file)) continue;  // taken for a leftover before it was locked
-      fMedia = std::make_shared<CStdioMedia>(std::move(file), CStdioMedia::EAccess::kReadWrite);
+      fMedia = CreateHeld(fPath);
     } catch (const NSMordel::XAlreadyExists&) {
       continue;  // left by an earlier process of the same number
     }

@@ -1,6 +1,7 @@
 #include <fcntl.h>
 #include <limits>
 #include <sys/file.h>
+#include <utility>
 
 #include "Parts/TolbrookPackage/Core/FileSystem.h"
 #include "Parts/TolbrookPackage/Core/SystemCalls_posix.h"
@@ -62,11 +63,12 @@ CFile CFile::Create(const NativePath& path, ECreate mode) {
     file.SetSize(0);
     return file;
   }
+  NativePath named = path;  // before the file is there: nothing behind that can fail and leave it
   const mode_t rights = mode == ECreate::kPrivate ? 0600 : 0666;
   const int number =
       Repeat([&] { return ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, rights); });
   if (number < 0) ThrowFileFailure<NSMordel::XCreate>(action, path, Failure(errno));
-  return CFile(number, path);
+  return CFile(number, std::move(named));
 }
 
 std::uint64_t CFile::Size() const {

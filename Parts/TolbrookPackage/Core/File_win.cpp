@@ -71,9 +71,10 @@ CFile CFile::OpenForUpdate(const NativePath& path) {
 CFile CFile::Create(const NativePath& path, ECreate mode) {
   // kPrivate needs nothing more: other users cannot read below a user's own folder.
   const DWORD disposition = mode == ECreate::kReplace ? CREATE_ALWAYS : CREATE_NEW;
-  return CFile(OpenRegular<NSMordel::XCreate>(path, GENERIC_READ | GENERIC_WRITE, disposition,
-                                              "cannot make the file"),
-               path);
+  NativePath named = path;  // before the file is there: nothing behind that can fail and leave it
+  const std::intptr_t handle = OpenRegular<NSMordel::XCreate>(path, GENERIC_READ | GENERIC_WRITE,
+                                                              disposition, "cannot make the file");
+  return CFile(handle, std::move(named));
 }
 
 std::uint64_t CFile::Size() const {

@@ -75,7 +75,8 @@ EFileKind KindIn(int folder, const NativePath& name, const NativePath& path) {
 class COutputFile final : public IOutputFile {
  public:
   COutputFile(int folder, const NativePath& folderPath)
-      : fFolder(folder), fFolderPath(folderPath), fDescriptor(Make()) {
+      : fFolder(folder), fFolderPath(folderPath), fDescriptor(std::make_unique<CDescriptor>(-1)) {
+    Make();
     // Tells the file from one that a killed run left.
     Repeat([this] { return ::flock(fDescriptor->Number(), LOCK_EX | LOCK_NB); });
   }
@@ -148,8 +149,9 @@ class COutputFile final : public IOutputFile {
   }
 
  private:
-  /// A new file under a name of its own, as those of pack runs have them.
-  std::unique_ptr<CDescriptor> Make() {
+  /// A new file under a name of its own, as those of pack runs have them. Once it is there nothing
+  /// can fail: no destructor removes the file of an object that was not made.
+  void Make() {
     static std::atomic<std::uint64_t> counter = 0;
     while (true) {
       fName =
@@ -158,7 +160,7 @@ class COutputFile final : public IOutputFile {
         return ::openat(fFolder, fName.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
                         kReadWriteForAll);
       });
-      if (number >= 0) return std::make_unique<CDescriptor>(number);
+      if (number >= 0) return fDescriptor->Reset(number);
       if (errno != EEXIST) Fail<NSMordel::XCreate>("cannot make the file");
     }
   }

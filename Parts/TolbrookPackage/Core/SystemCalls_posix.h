@@ -36,6 +36,8 @@ class CDescriptor {
   }
   int Number() const { return fNumber; }
   int Release() { return std::exchange(fNumber, -1); }
+  /// In place of none.
+  void Reset(int number) { fNumber = number; }
 
  private:
   int fNumber;
