@@ -1,5 +1,6 @@
 #pragma once
 
+#include <new>
 #include <string>
 #include <utility>
 
@@ -16,6 +17,7 @@ enum class EFailure {
   kPermission,
   kReadOnly,
   kOutOfSpace,
+  kOutOfMemory,
   kLocked,
   kOutOfItems,
   kNotReady,
@@ -32,8 +34,8 @@ struct CSystemFailure {
   std::string fReason;
 };
 
-/// Throws the class of the failure's kind, or `XFallback` when it has none. `action` begins the
-/// message, for instance "cannot open the file".
+/// Throws the class of the failure's kind (std::bad_alloc for memory), or `XFallback` when it has
+/// none. `action` begins the message, for instance "cannot open the file".
 template <class XFallback>
 [[noreturn]] void ThrowFileFailure(const std::string& action, const NativePath& path,
                                    const CSystemFailure& failure,
@@ -52,6 +54,8 @@ template <class XFallback>
       throw NSMordel::XReadOnly(message, std::move(context));
     case EFailure::kOutOfSpace:
       throw NSMordel::XOutOfSpace(message, std::move(context));
+    case EFailure::kOutOfMemory:
+      throw std::bad_alloc();  // as wherever else memory is out: no fault of the file's
     case EFailure::kLocked:
       throw NSMordel::XLocked(message, std::move(context));
     case EFailure::kOutOfItems:

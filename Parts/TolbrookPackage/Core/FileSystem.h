@@ -14,7 +14,8 @@
 /// carry the path as "target_object_id", "file", "directory" or "disk" as "target_object_type" and
 /// the system's number as "error_code": XNotFound (ENOENT), XPermission (EACCES, EPERM), XReadOnly
 /// (EROFS), XOutOfSpace (ENOSPC, EDQUOT, EFBIG), XLocked (EBUSY, ETXTBSY), XOutOfItems (EMFILE,
-/// ENFILE), XNotReady (ENXIO, ENODEV), XAlreadyExists (EEXIST), else the kind named below.
+/// ENFILE), XNotReady (ENXIO, ENODEV), XAlreadyExists (EEXIST), else the kind named below. Where
+/// memory is out (ENOMEM) that is std::bad_alloc, as everywhere.
 /// Interrupted calls are repeated and short transfers continued.
 namespace NSTolbrook {
 

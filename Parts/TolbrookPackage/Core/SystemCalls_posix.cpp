@@ -19,6 +19,8 @@ EFailure FailureKind(int number) {
     case EDQUOT:
     case EFBIG:
       return EFailure::kOutOfSpace;
+    case ENOMEM:
+      return EFailure::kOutOfMemory;
     case EBUSY:
     case ETXTBSY:
       return EFailure::kLocked;

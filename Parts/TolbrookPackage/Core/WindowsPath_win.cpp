@@ -25,6 +25,9 @@ EFailure FailureKind(DWORD number) {
     case ERROR_HANDLE_DISK_FULL:
     case ERROR_FILE_TOO_LARGE:
       return EFailure::kOutOfSpace;
+    case ERROR_NOT_ENOUGH_MEMORY:
+    case ERROR_OUTOFMEMORY:
+      return EFailure::kOutOfMemory;
     case ERROR_SHARING_VIOLATION:
     case ERROR_LOCK_VIOLATION:
     case ERROR_BUSY:
