@@ -11,6 +11,7 @@
 
 #include "app/PackageInformation.h"
 #include "app/ShortcutTarget.h"
+#include "package/PackageIndex.h"
 
 namespace NSTambraPacking {
 
@@ -176,6 +177,9 @@ class CFolderScan {
     file.fSkipped = skipped;
     file.fIsInformation =
         folder.fPath.empty() && item.fFault.empty() && IsInformationFile(item.fName);
+    if (file.fFault.empty() && !FitsEntryName(path)) {
+      file.fFault = "the path is longer than " + std::to_string(kGreatestEntryName) + " bytes";
+    }
     if (!file.fIsInformation && !skipped && file.fFault.empty() &&
         !fTakenPaths.insert(NSTolbrook::ComparisonKey(path)).second) {
       file.fFault = "the path differs from an earlier one only in case or normalisation";

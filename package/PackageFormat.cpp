@@ -26,6 +26,12 @@ void RequireBytes(const CMediaCursor& input, std::uint64_t count) {
                          std::to_string(remaining) + " are left");
 }
 
+void CheckTextLength(std::uint64_t count, std::uint32_t greatest) {
+  if (count <= greatest) return;
+  throw XFormatViolation("a text of the package has " + std::to_string(count) + " bytes; at most " +
+                         std::to_string(greatest) + " are allowed");
+}
+
 std::span<const std::uint8_t> BytesOf(std::string_view text) {
   return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
 }
@@ -64,20 +70,17 @@ std::u16string DecodePackageText(std::string_view bytes) {
   return *std::move(text);
 }
 
-void WriteTextField(CMediaCursor& output, std::u16string_view text) {
+void WriteTextField(CMediaCursor& output, std::u16string_view text, std::uint32_t greatest) {
   const std::string bytes = EncodePackageText(text);
-  WriteU32(output, FitPackageLimit(bytes.size(), "a text"));
+  CheckTextLength(bytes.size(), greatest);
+  WriteU32(output, static_cast<std::uint32_t>(bytes.size()));
   output.Write(BytesOf(bytes));
 }
 
-std::u16string ReadTextField(CMediaCursor& input) {
+std::u16string ReadTextField(CMediaCursor& input, std::uint32_t greatest) {
   const std::uint32_t count = ReadU32(input);
   RequireBytes(input, count);
-  if (count > kGreatestTextField) {
-    throw XFormatViolation("a text of the package has " + std::to_string(count) +
-                           " bytes; at most " + std::to_string(kGreatestTextField) +
-                           " can be read");
-  }
+  CheckTextLength(count, greatest);
   std::string bytes(count, '\0');
   input.ReadExactly({reinterpret_cast<std::uint8_t*>(bytes.data()), bytes.size()});
   return DecodePackageText(bytes);

@@ -18,8 +18,8 @@ inline constexpr NSTolbrook::CFormatVersion kSupportedPackageVersion{1, 2, 0};
 /// The greatest count, offset or size that a package can hold: its fields have 32 bits.
 inline constexpr std::uint64_t kPackageLimit = 0xFFFFFFFF;
 
-/// The greatest text field that is read, in bytes; far more than any package needs. A file with
-/// holes may seem to hold gigabytes of text.
+/// The greatest text field that is written and read, in bytes; far more than any package needs. A
+/// file with holes may seem to hold gigabytes of text.
 inline constexpr std::uint32_t kGreatestTextField = std::uint32_t{16} << 20;
 
 /// The entries of a package may share bytes; so many times the data region's length is the most
@@ -50,12 +50,14 @@ std::string EncodePackageText(std::u16string_view text);
 std::u16string DecodePackageText(std::string_view bytes);
 
 /// Writes a text field: a u32 byte count and the encoded text, no terminator. Throws as
-/// EncodePackageText, and XOutOfSpace for a text beyond the limit.
-void WriteTextField(NSBigFilePackage::CMediaCursor& output, std::u16string_view text);
+/// EncodePackageText, and XFormatViolation for a text of more than `greatest` bytes.
+void WriteTextField(NSBigFilePackage::CMediaCursor& output, std::u16string_view text,
+                    std::uint32_t greatest = kGreatestTextField);
 
-/// Reads a text field. Throws XFormatViolation when the media ends before the field does (asked
-/// before memory is taken), for a field above kGreatestTextField, and as DecodePackageText.
-std::u16string ReadTextField(NSBigFilePackage::CMediaCursor& input);
+/// Reads a text field. Throws XFormatViolation when the media ends before the field does or it has
+/// more than `greatest` bytes (both asked before memory is taken), and as DecodePackageText.
+std::u16string ReadTextField(NSBigFilePackage::CMediaCursor& input,
+                             std::uint32_t greatest = kGreatestTextField);
 
 void WriteU32(NSBigFilePackage::CMediaCursor& output, std::uint32_t value);
 

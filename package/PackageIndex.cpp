@@ -24,10 +24,16 @@ constexpr std::size_t kFlagAt = 9;
 
 }  // namespace
 
+bool FitsEntryName(std::u16string_view name) {
+  constexpr std::size_t kMostForUnit = 3;  // and the mark has as many
+  return (name.size() + 1) * kMostForUnit <= kGreatestEntryName ||
+         EncodePackageText(name).size() <= kGreatestEntryName;
+}
+
 void WriteIndexEntry(CMediaCursor& output, const CIndexEntry& entry) {
   NSMordel::CheckInvariant(entry.fTypeCode >= 0 && entry.fTypeCode <= 0xFF,
                            "an entry type code does not fit one byte");
-  WriteTextField(output, entry.fName);
+  WriteTextField(output, entry.fName, kGreatestEntryName);
   std::array<std::uint8_t, kIndexEntryTailLength> tail{};
   tail[kTypeAt] = static_cast<std::uint8_t>(entry.fTypeCode);
   NSTolbrook::StoreBigEndian(std::span(tail).subspan(kOffsetAt), entry.fOffset);
@@ -38,7 +44,7 @@ void WriteIndexEntry(CMediaCursor& output, const CIndexEntry& entry) {
 
 CIndexEntry ReadIndexEntry(CMediaCursor& input) {
   CIndexEntry entry;
-  entry.fName = ReadTextField(input);
+  entry.fName = ReadTextField(input, kGreatestEntryName);
   if (entry.fName.empty()) throw XFormatViolation("an entry of the package has no name");
   std::array<std::uint8_t, kIndexEntryTailLength> tail{};
   if (input.Remaining() < tail.size()) {

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "Parts/TolbrookPackage/Core/Media.h"
 
@@ -31,12 +32,20 @@ inline constexpr std::size_t kIndexEntryTailLength = 10;
 /// The fewest bytes that an index entry takes: the count of its name and the tail.
 inline constexpr std::size_t kLeastIndexEntryLength = 4 + kIndexEntryTailLength;
 
+/// The longest name of an entry that is written and read, in bytes of its text field: what the
+/// longest path of a POSIX system takes. Each of many references may make a reader repeat a name.
+inline constexpr std::uint32_t kGreatestEntryName = 4096;
+
+/// Whether an entry can have the name, as far as its length goes. Throws XFormatViolation for a
+/// surrogate without its partner.
+bool FitsEntryName(std::u16string_view name);
+
 /// Writes the entry at the output's position, which moves on behind it. Throws XInvariantCorrupt
-/// when the type code does not fit its byte.
+/// when the type code does not fit its byte, XFormatViolation when the name does not fit.
 void WriteIndexEntry(NSBigFilePackage::CMediaCursor& output, const CIndexEntry& entry);
 
 /// Reads the name and exactly ten bytes; the position moves on behind them. Throws
-/// XFormatViolation when the entry is cut short or its name is empty or unreadable.
+/// XFormatViolation when the entry is cut short or its name is empty, too long or unreadable.
 CIndexEntry ReadIndexEntry(NSBigFilePackage::CMediaCursor& input);
 
 }  // namespace NSTambraPacking

@@ -76,6 +76,25 @@ TEST(PackageFormatTest, LimitsAndVersionsAreCheckedAtTheirEdge) {
     }
   }
 
+  // As many bytes, in UTF-8 and with its mark: an ideogram has three.
+  for (const std::u16string& name :
+       {std::u16string(kGreatestEntryName, u'a'), std::u16string(1364, u'\u65E5') + u'a'}) {
+    CMemoryMedia media;
+    CMediaCursor cursor(media);
+    EXPECT_TRUE(FitsEntryName(name));
+    WriteIndexEntry(cursor, {name});
+    cursor.SetPosition(0);
+    EXPECT_EQ(ReadIndexEntry(cursor).fName, name);
+
+    EXPECT_FALSE(FitsEntryName(name + u'a'));
+    EXPECT_THROW(WriteIndexEntry(cursor, {name + u'a'}), NSMordel::XFormatViolation);
+    cursor.SetPosition(0);
+    WriteTextField(cursor, name + u'a');
+    media.SetSize(2 * kGreatestEntryName);
+    cursor.SetPosition(0);
+    EXPECT_THROW(ReadIndexEntry(cursor), NSMordel::XFormatViolation);
+  }
+
   CheckPackageVersion({1, 2, 0});
   CheckPackageVersion({1, 2, 0, 3, 900});
   CheckPackageVersion({1, 1, 900});
