@@ -10,6 +10,12 @@ namespace {
 
 using EKind = CEntryTree::EKind;
 
+/// Steps down the tree that a search may take for each component of its path, and whatever its
+/// length: far more than any real path needs. Without a bound a path of one name again and again in
+/// a tree of the same would cost the product of their lengths.
+constexpr std::size_t kSearchStepsForEach = 32;
+constexpr std::size_t kSearchSteps = 4096;
+
 bool IsSameName(const std::u16string& a, const std::u16string& b) {
   return a == b || NSTolbrook::ComparisonKey(a) == NSTolbrook::ComparisonKey(b);
 }
@@ -52,8 +58,12 @@ CLookupTrail CReferenceLookup::FollowDatabase(const CDatabasePath& path) const {
 std::optional<CFoundFile> CReferenceLookup::FindAbsolute(const CAbsolutePath& path) const {
   if (!path.IsValid()) return {};
   const Components components = path.Components();
+  std::size_t steps = kSearchSteps + kSearchStepsForEach * components.size();
   for (std::size_t start = 0; start < components.size(); ++start) {
-    if (auto found = Descend(CEntryTree::kRoot, components.subspan(start)).fFound) return found;
+    CLookupTrail trail = Descend(CEntryTree::kRoot, components.subspan(start));
+    if (trail.fFound) return std::move(trail.fFound);
+    if (trail.fUsed >= steps) return {};
+    steps -= trail.fUsed;
   }
   return {};
 }
