@@ -16,8 +16,9 @@ constexpr const char16_t* kElement = u"RelativePath";
 constexpr const char16_t* kPath = u"Path";
 constexpr const char16_t* kStepUp = u"StepUp";
 
-/// A hostile count must not print gigabytes; no file system nests so deep.
-constexpr std::int32_t kGreatestPrintedStepUp = 4096;
+/// A hostile count must not print gigabytes, nor a document of many references a hundred times its
+/// own length; no library nests so deep.
+constexpr std::int32_t kGreatestPrintedStepUp = 256;
 
 std::int32_t ParseStepUp(const std::u16string& text) {
   const std::string digits = NSTolbrook::Utf8FromText(text);
