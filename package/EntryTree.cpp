@@ -22,8 +22,8 @@ std::u16string MapKey(CEntryTree::Node folder, std::u16string_view name) {
   return key;
 }
 
-std::optional<CEntryTree::Node> Find(
-    const std::unordered_map<std::u16string, CEntryTree::Node>& map, const std::u16string& key) {
+std::optional<CEntryTree::Node> Find(const std::map<std::u16string, CEntryTree::Node>& map,
+                                     const std::u16string& key) {
   const auto found = map.find(key);
   return found == map.end() ? std::nullopt : std::optional(found->second);
 }

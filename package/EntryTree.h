@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -12,8 +13,8 @@
 namespace NSTambraPacking {
 
 /// The folders and files of an input folder or of a package, as the lookup of references sees them.
-/// A name is found in constant time, exactly or by its comparison key. Reading from several threads
-/// at once is safe while nothing is added.
+/// A name is found in logarithmic time, exactly or by its comparison key. Reading from several
+/// threads at once is safe while nothing is added.
 class CEntryTree {
  public:
   /// A number of a node of this tree; the root is 0.
@@ -84,9 +85,10 @@ class CEntryTree {
   std::optional<Node> FindExactOrFolded(Node folder, std::u16string_view name) const;
 
   std::vector<CNode> fNodes;
-  /// By the folder's number and the name or key (see MapKey in the source).
-  std::unordered_map<std::u16string, Node> fByName;
-  std::unordered_map<std::u16string, Node> fByKey;
+  /// By the folder's number and the name or key (see MapKey in the source). Ordered, since the
+  /// names of a hostile package could all be made to have one hash value.
+  std::map<std::u16string, Node> fByName;
+  std::map<std::u16string, Node> fByKey;
   std::unordered_map<Node, std::u16string> fShortcutTargets;
 };
 
