@@ -4,15 +4,16 @@
 #include <algorithm>
 #include <array>
 #include <jerror.h>
+#include <new>
 
 namespace NSTambraPacking {
 
 namespace {
 
 /// Pictures that may be right but are not read.
-constexpr std::array<int, 8> kUnsupported{
-    JERR_ARITH_NOTIMPL, JERR_BAD_PRECISION,   JERR_CONVERSION_NOTIMPL, JERR_NOT_COMPILED,
-    JERR_OUT_OF_MEMORY, JERR_SOF_UNSUPPORTED, JERR_NO_BACKING_STORE,   JERR_IMAGE_TOO_BIG};
+constexpr std::array<int, 7> kUnsupported{
+    JERR_ARITH_NOTIMPL,   JERR_BAD_PRECISION,    JERR_CONVERSION_NOTIMPL, JERR_NOT_COMPILED,
+    JERR_SOF_UNSUPPORTED, JERR_NO_BACKING_STORE, JERR_IMAGE_TOO_BIG};
 
 /// Warnings that say nothing against the picture's data.
 constexpr std::array<int, 2> kHarmless{JWRN_ADOBE_XFORM, JWRN_JFIF_MAJOR};
@@ -34,6 +35,8 @@ CJpegGuard::CJpegGuard() {
 void CJpegGuard::Raise() {
   if (fCaptured) fCaptured->Rethrow();
   const std::string message = std::string("JPEG picture: ") + fFault;
+  // No fault of the picture's, which may be as whole as can be.
+  if (fFault == fText && fManager.msg_code == JERR_OUT_OF_MEMORY) throw std::bad_alloc();
   if (fFault == fText && Contains(kUnsupported, fManager.msg_code)) {
     throw NSMordel::XUnsupportedFormat(message);
   }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <new>
 #include <optional>
 #include <sndfile.h>
 #include <string>
@@ -50,9 +51,12 @@ class CRawLibraryDecoder::CRawFile {
     info.channels = 1;
     info.samplerate = 44100;
     info.format = LibraryFormat(format);
+    const bool isKnown = sf_format_check(&info) != 0;
     SF_VIRTUAL_IO calls{GetLength, Seek, ReadBytes, WriteBytes, Tell};
     fHandle.reset(sf_open_virtual(&calls, SFM_READ, &info, this));
     RaiseFailure();
+    // Of a form that the library knows nothing else can go wrong.
+    if (!fHandle && isKnown) throw std::bad_alloc();
     if (!fHandle) throw NSMordel::XUnsupportedFormat(sf_strerror(nullptr));
   }
   CRawFile(const CRawFile&) = delete;
