@@ -60,7 +60,7 @@ std::optional<CChosenSlot> ChooseSlot(const CBlockFile& file) {
   std::optional<CChosenSlot> chosen;
   for (unsigned number = 0; number < kSlotCount; ++number) {
     const std::optional<CRootSlot> root = file.ReadRootSlot(number);
-    if (!root || (chosen && root->fGeneration < chosen->fRoot.fGeneration)) continue;
+    if (!root || (chosen && root->fGeneration <= chosen->fRoot.fGeneration)) continue;
     try {
       chosen = CChosenSlot{number, *root, ReadDirectoryChain(file, root->fFirstBlock)};
     } catch (const NSMordel::XFormatViolation&) {
