@@ -1,15 +1,15 @@
 #include "app/NameLists.h"
 
-#include <algorithm>
+#include <set>
+#include <string_view>
 
 namespace NSTambraPacking {
 
 std::vector<std::u16string> DistinctNames(const std::vector<std::u16string>& names) {
   std::vector<std::u16string> distinct;
+  std::set<std::u16string_view> taken;
   for (const std::u16string& name : names) {
-    if (std::find(distinct.begin(), distinct.end(), name) == distinct.end()) {
-      distinct.push_back(name);
-    }
+    if (taken.insert(name).second) distinct.push_back(name);
   }
   return distinct;
 }
