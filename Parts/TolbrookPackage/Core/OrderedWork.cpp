@@ -88,9 +88,8 @@ class CWorkers {
     for (std::size_t job = 0; job < jobs; ++job) {
       try {
         fThreads.emplace_back([this] { Work(); });
-      } catch (...) {  // no more threads, or no memory for one
-        if (fThreads.empty()) throw;
-        break;  // fewer threads do the same work
+      } catch (const std::exception&) {  // no more threads, or no memory for one
+        break;                           // fewer threads do the same work
       }
     }
   }
@@ -103,10 +102,13 @@ class CWorkers {
       const std::lock_guard lock(fMutex);
       fCancelled = true;
     }
-    if (fTaken < fOrdered.fCount && fOrdered.fCancel) fOrdered.fCancel();
+    if (!IsEmpty() && fTaken < fOrdered.fCount && fOrdered.fCancel) fOrdered.fCancel();
     fRoomAhead.notify_all();
     for (std::thread& thread : fThreads) thread.join();
   }
+
+  /// Not one thread could be started.
+  bool IsEmpty() const { return fThreads.empty(); }
 
   /// Waits for the result of `index`, the next in order, and raises its exception.
   void Take(std::size_t index) {
@@ -182,6 +184,7 @@ class CWorkers {
 void RunOrdered(const COrderedWork& work) {
   if (work.fJobs <= 1 || work.fCount <= 1) return RunAlone(work);
   CWorkers workers(work);
+  if (workers.IsEmpty()) return RunAlone(work);
   for (std::size_t index = 0; index < work.fCount; ++index) {
     work.fBegin(index);
     workers.Take(index);

@@ -10,7 +10,8 @@ namespace NSTolbrook {
 /// A series of independent items that threads work on ahead while the caller takes them in order.
 struct COrderedWork {
   std::size_t fCount = 0;
-  /// How many threads work; 0 or 1 means the calling thread alone, item by item.
+  /// How many threads work; 0 or 1 means the calling thread alone, item by item, which also works
+  /// where none can be started.
   unsigned fJobs = 1;
   /// How much work each item is, in any unit; empty when they are all alike. Threads begin items in
   /// order, but one that would outlast the rest of the series before its turn has come.
