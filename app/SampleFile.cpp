@@ -5,6 +5,7 @@
 #include "filetypes/dwop/DWOPFileEncoder.h"
 #include "filetypes/dwop/SourceRebuilder.h"
 #include "package/StdioMedia.h"
+#include "package/TemporaryFile.h"
 
 namespace NSTambraPacking {
 
@@ -37,10 +38,11 @@ CConvertedSample ConvertSample(ESampleWork work, const NSTolbrook::NativePath& i
                                IOutputFile::EExisting existing,
                                const std::function<void()>& checkStop) {
   const SharedMedia source = NSBigFilePackage::CStdioMedia::OpenForReading(input);
-  const NSTolbrook::NativePath parent = output.parent_path();
-  const NSTolbrook::COutputFolder folder(parent.empty() ? NSTolbrook::NativePath(".") : parent);
+  const NSTolbrook::NativePath parent = output.has_parent_path() ? output.parent_path() : ".";
+  const NSTolbrook::COutputFolder folder(parent);
   const std::vector<std::u16string> name = {NSTolbrook::CFileItem(output).Name()};
   folder.CheckFree(name, existing);
+  NSBigFilePackage::CTemporaryFile::RemoveLeftovers(parent);  // of a conversion that was killed
   const auto file = folder.NewFile();
   CConvertedSample converted = Convert(work, source, *file, checkStop);
   file->Flush();
