@@ -5,6 +5,8 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QStyle>
+#include <QTextEdit>
+#include <QtMath>
 
 #include "gui/MenuBuilder.h"
 #include "gui/QtText.h"
@@ -22,13 +24,34 @@ QStyle::StandardPixmap IconOf(EAlertKind kind) {
   return QStyle::SP_MessageBoxInformation;
 }
 
-QLabel* MessageLabel(const QString& message) {
-  auto* const label = new QLabel(message);
-  label->setTextFormat(Qt::PlainText);
-  label->setWordWrap(true);
-  label->setMinimumWidth(label->fontMetrics().averageCharWidth() * 52);
-  label->setTextInteractionFlags(Qt::TextSelectableByMouse);
-  return label;
+/// A message may hold a name of any length, or any number of names: what has no room is scrolled.
+QWidget* MessageView(const QString& message) {
+  constexpr int kMostLines = 16;
+  auto* const view = new QTextEdit;
+  const int width = view->fontMetrics().averageCharWidth() * 52;
+  // Measured before it is the view's, which lays it out anew.
+  auto* const text = new QTextDocument(message, view);
+  QTextOption option;
+  option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+  text->setDefaultTextOption(option);
+  text->setDefaultFont(view->font());
+  text->setDocumentMargin(0);
+  text->setTextWidth(width);
+  const int height = qCeil(text->size().height());
+  const int most = view->fontMetrics().lineSpacing() * kMostLines;
+  view->setDocument(text);
+  view->setReadOnly(true);
+  view->setTabChangesFocus(true);
+  view->setFrameShape(QFrame::NoFrame);
+  view->viewport()->setAutoFillBackground(false);
+  view->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  view->setAccessibleName(message);
+  if (height <= most) {
+    view->setFocusPolicy(Qt::ClickFocus);
+    view->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  }
+  view->setFixedSize(width, qMin(height, most));
+  return view;
 }
 
 }  // namespace
@@ -48,7 +71,7 @@ CAlertDialog::CAlertDialog(const CAlertText& alert, std::size_t careful, const Q
     icon->setPixmap(style()->standardIcon(IconOf(alert.fKind)).pixmap(edge));
     grid->addWidget(icon, 0, 0, Qt::AlignTop);
   }
-  grid->addWidget(MessageLabel(ToQt(alert.fMessage)), 0, 1);
+  grid->addWidget(MessageView(ToQt(alert.fMessage)), 0, 1);
   if (!sameForAll.isEmpty()) {
     fSameForAll = new QCheckBox(WithMnemonics({sameForAll}).front());
     grid->addWidget(fSameForAll, 1, 1);
