@@ -27,6 +27,7 @@ CFolderChooser::CFolderChooser(const CTexts& texts, QWidget* parent)
   auto* const button = new QPushButton(texts.fChoose);
   fPath->setEditable(true);
   fPath->setInsertPolicy(QComboBox::NoInsert);
+  fPath->setCompleter(nullptr);  // it takes "kit" for a recent "Kit"
   fPath->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
   fPath->setMinimumContentsLength(30);
   const QString name = QString(texts.fLabel).remove('&');
