@@ -24,7 +24,6 @@ CResultPane::CResultPane(const NSTambraPacking::CTextResources& texts, QWidget* 
   using namespace NSTambraPacking;
   fHeading->setTextFormat(Qt::PlainText);
   fHeading->setWordWrap(true);
-  fHeading->setBuddy(fList);
   auto* const close = new QToolButton(this);
   close->setAutoRaise(true);
   close->setIcon(style()->standardIcon(QStyle::SP_TitleBarCloseButton));
