@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <functional>
 #include <map>
-#include <set>
+#include <utility>
 
 #include "Parts/TolbrookPackage/Core/Exception.h"
 #include "Parts/TolbrookPackage/Core/Text.h"
@@ -104,18 +104,13 @@ class CFingerprint {
 };
 
 void AddFile(const CScannedFile& file, CTypeNames& names,
-             std::map<std::u16string, CTypeCount>& types, std::set<std::u16string>& folders,
-             CFingerprint& fingerprint) {
+             std::map<std::u16string, CTypeCount>& types, CFingerprint& fingerprint) {
   const std::uint64_t size = NSTolbrook::FileStatus(file.fItem.Path(), true).fSize;
   const std::u16string& name = names.NameOf(file);
   CTypeCount& type = types[name];
   type.fName = name;
   ++type.fCount;
   type.fSize += size;
-  for (std::size_t slash = file.fPath.rfind(u'/'); slash != file.fPath.npos && slash > 0;
-       slash = file.fPath.rfind(u'/', slash - 1)) {
-    if (!folders.insert(file.fPath.substr(0, slash)).second) break;
-  }
   std::error_code noTime;  // a file that is gone again is found out about by the check
   const auto time = std::filesystem::last_write_time(file.fItem.Path(), noTime);
   fingerprint.Add(file.fPath);
@@ -129,17 +124,23 @@ void ListFiles(const CTextResources& texts, const NSTolbrook::NativePath& folder
     if (report.fStopRequested()) throw NSMordel::XSilentAbort("User aborted");
   };
   look.fTexts = ReadPackageTexts(ReadInformationFiles(folder));
-  const CScannedFolder scanned = ScanFolder(
+  CFingerprint fingerprint;
+  // A bad shortcut is told of by the check.
+  CScannedFolder scanned = ScanFolder(
       folder,
       {[&](const std::u16string& path) { return look.fTexts.fOptions.fSkipItems.Hold(path); },
-       [&](std::size_t) { checkStop(); }});
+       [&](std::size_t) { checkStop(); },
+       [&](const std::u16string& path) { fingerprint.Add(path); }});
   CTypeNames names(texts);
   std::map<std::u16string, CTypeCount> types;
-  std::set<std::u16string> folders;
-  CFingerprint fingerprint;
   for (const CScannedFile& file : scanned.fFiles) {
     checkStop();
-    AddFile(file, names, types, folders, fingerprint);
+    AddFile(file, names, types, fingerprint);
+  }
+  for (const std::u16string& path : scanned.fFolders) fingerprint.Add(path);
+  for (const CScannedShortcut& shortcut : scanned.fShortcuts) {
+    fingerprint.Add(shortcut.fPath);
+    fingerprint.Add(shortcut.fTarget.value_or(u"/"));
   }
   for (const auto& [name, type] : types) {
     look.fTypes.push_back(type);
@@ -148,7 +149,7 @@ void ListFiles(const CTextResources& texts, const NSTolbrook::NativePath& folder
   }
   std::stable_sort(look.fTypes.begin(), look.fTypes.end(),
                    [](const auto& left, const auto& right) { return left.fSize > right.fSize; });
-  look.fFolders.assign(folders.begin(), folders.end());
+  look.fFolders = std::move(scanned.fFolders);
   look.fFingerprint = fingerprint.Value();
 }
 

@@ -40,9 +40,9 @@ struct CFolderLook {
   std::size_t fCount = 0;          ///< files of all types
   std::uint64_t fSize = 0;         ///< bytes of all types
   std::size_t fPackable = 0;       ///< files that will be packed; only after the check
-  /// From the input root; the ones that hold a file.
+  /// From the input root; a folder before those in it.
   std::vector<std::u16string> fFolders;
-  /// Changes when a file comes, goes or is written to.
+  /// Changes when a file, folder or shortcut comes or goes, or a file is written to.
   std::uint64_t fFingerprint = 0;
   /// Problems first, then what is left out, then notes; only after the check.
   std::vector<CFolderFinding> fFindings;

@@ -74,6 +74,7 @@ class CFolderScan {
 
  private:
   void ScanOne(const CPendingFolder& folder) {
+    if (!folder.fPath.empty()) fResult.fFolders.push_back(folder.fPath);
     std::vector<CItem> items;
     try {
       items = Items(folder);
@@ -189,7 +190,13 @@ class CFolderScan {
   }
 
   void TakeShortcut(const CItem& item, const std::u16string& path) {
-    const NativePath target = NSTolbrook::CanonicalPath(ShortcutTarget(item.fNative));
+    NativePath target;
+    try {
+      target = NSTolbrook::CanonicalPath(ShortcutTarget(item.fNative));
+    } catch (const NSMordel::XResolve&) {
+      if (!fRules.fBadShortcut) throw;
+      return fRules.fBadShortcut(path);
+    }
     CScannedShortcut shortcut{path, std::nullopt};
     if (IsInside(target)) shortcut.fTarget = InnerPath(target);
     fResult.fShortcuts.push_back(std::move(shortcut));

@@ -29,6 +29,8 @@ struct CScannedShortcut {
 };
 
 struct CScannedFolder {
+  /// From the input root, which is not among them; a folder before those in it.
+  std::vector<std::u16string> fFolders;
   /// Depth first; inside a folder the files, then the folders, each by folded name: the same order
   /// on every machine.
   std::vector<CScannedFile> fFiles;
@@ -41,6 +43,9 @@ struct CScanRules {
   std::function<bool(const std::u16string& path)> fIsSkipItem;
   /// Called with the number of files found so far; may throw to end the scan.
   std::function<void(std::size_t count)> fReport;
+  /// Called with the path of a shortcut that cannot be read or leads nowhere, which is then left
+  /// out; without it such a shortcut ends the scan.
+  std::function<void(const std::u16string& path)> fBadShortcut = {};
 };
 
 /// Looks through the input folder without opening any content file. System clutter (names that
@@ -48,7 +53,7 @@ struct CScanRules {
 /// are followed inside the folder only; one that leads elsewhere, a pipe or device, a name that
 /// no other system could hold and a path that differs from an earlier one only in case or
 /// normalisation come back with their fault. Throws what listing `root` throws, and XResolve with
-/// the path for a shortcut that cannot be read or leads nowhere.
+/// the path for a shortcut that cannot be read or leads nowhere, unless the rules take it.
 CScannedFolder ScanFolder(const NSTolbrook::NativePath& root, const CScanRules& rules);
 
 }  // namespace NSTambraPacking
