@@ -213,6 +213,7 @@ void CMainWindow::SetInput(const QString& folder) {
   }
   fInput->SetFolder(folder);
   fLook = std::make_shared<const CFolderLook>();
+  fLastRun.clear();
   fIsListed = false;
   fInformation->Show({});
   fContents->Show(fLook);
@@ -254,6 +255,8 @@ void CMainWindow::Create() {
   settings.fOutputFolder = NSTolbrook::CFileItem(PathFromQt(fOutput->Folder()));
   fRun = std::make_unique<CPackRun>(fTexts, settings, Command(kCommandWarnExternal)->isChecked(),
                                     *this);
+  connect(fRun.get(), &CPackRun::InformationRead, this, &CMainWindow::ShowInformation,
+          Qt::QueuedConnection);
   connect(fRun.get(), &CPackRun::Ended, this, &CMainWindow::EndRun, Qt::QueuedConnection);
   fProgress = std::make_unique<CProgressDialog>(fTexts, *fRun, this);
   connect(fRun.get(), &CPackRun::Closing, fProgress.get(), &CProgressDialog::Finish,
@@ -270,11 +273,20 @@ void CMainWindow::EndRun() {
   fProgress->Finish();
   const std::unique_ptr<CProgressDialog> progress = std::move(fProgress);
   const std::unique_ptr<CPackRun> run = std::move(fRun);
+  if (const CPackageInformation& packed = run->Information(); packed.fFileCount > 0) {
+    fLastRun = Text(kTextLastRun, {packed.fName, Number(static_cast<qint64>(packed.fFileCount))});
+  }
   if (run->WantsLog() && run->LogFile()) {
     fDialogs.fOpenAddress(QUrl::fromLocalFile(PathToQt(*run->LogFile())));
   }
   fWatch.SetPaused(false);
   UpdateState();
+}
+
+void CMainWindow::ShowInformation(const CPackageInformation& information) {
+  CPackageTexts texts = fLook->fTexts;
+  texts.fInformation = information;
+  fInformation->Show(texts);
 }
 
 bool CMainWindow::SaveInformation() {
@@ -339,7 +351,8 @@ void CMainWindow::UpdateState() {
   // What has not been read would be saved as empty.
   fInformation->setEnabled(fIsListed && !IsPacking());
   fState->setText(StateText());
-  fOutputName->setText(Text(kTextOutputName, {FromQt(OutputName())}));
+  const QString name = Text(kTextOutputName, {FromQt(OutputName())});
+  fOutputName->setText(fLastRun.isEmpty() ? name : name + "\n" + fLastRun);
 }
 
 QString CMainWindow::StateText() const {

@@ -77,6 +77,7 @@ class CMainWindow : public QMainWindow {
 
   void Create();
   void EndRun();
+  void ShowInformation(const NSTambraPacking::CPackageInformation& information);
 
   /// False when the texts could not be saved.
   bool SaveInformation();
@@ -101,6 +102,7 @@ class CMainWindow : public QMainWindow {
   QPushButton* fCreateTambraButton = nullptr;
   CFolderWatch fWatch;
   SharedLook fLook;
+  QString fLastRun;        ///< what came of it; empty when nothing did
   bool fIsListed = false;  ///< fLook is of the chosen folder
   std::unique_ptr<CPackRun> fRun;
   std::unique_ptr<CProgressDialog> fProgress;

@@ -80,8 +80,7 @@ void CPackRun::Pack() {
   fSettings.fJobs = std::max(1U, std::thread::hardware_concurrency());
   fSettings.fSlicedLoopLibrary = library.get();
   fSettings.fCache = cache.get();
-  CPackageInformation information;
-  fPacker.Run(fSettings, information, fProgress);
+  fPacker.Run(fSettings, fInformation, fProgress);
 }
 
 std::optional<NSTolbrook::NativePath> CPackRun::LogFile() const {
@@ -114,6 +113,10 @@ void CPackRun::SetBar(int position) {
 void CPackRun::SetTimeLine(const std::u16string& line) {
   const std::lock_guard lock(fMutex);
   fLines.fTime = ToQt(line);
+}
+
+void CPackRun::SetInformation(const CPackageInformation& information) {
+  emit InformationRead(information);
 }
 
 int CPackRun::Show(CAlertNumber number, const CAlertText& alert) {

@@ -44,8 +44,12 @@ class CPackRun : public QObject,
   /// What the user last answered to the closing alert.
   bool WantsLog() const { return fWantsLog; }
   std::optional<NSTolbrook::NativePath> LogFile() const;
+  /// Of the package; without files when the run did not get to its end.
+  const NSTambraPacking::CPackageInformation& Information() const { return fInformation; }
 
  signals:
+  /// The package's texts, as the run has read them.
+  void InformationRead(const NSTambraPacking::CPackageInformation& information);
   /// All work is done; an alert tells what came of it.
   void Closing(bool isPacked);
   /// The job, its closing alert included, has come to its end.
@@ -59,7 +63,7 @@ class CPackRun : public QObject,
   void SetItemLine(const std::u16string& line) override;
   void SetBar(int position) override;
   void SetTimeLine(const std::u16string& line) override;
-  void SetInformation(const NSTambraPacking::CPackageInformation&) override {}
+  void SetInformation(const NSTambraPacking::CPackageInformation& information) override;
   int Show(NSTambraPacking::CAlertNumber number, const NSTambraPacking::CAlertText& alert) override;
   int ShowOnWindow(NSTambraPacking::CAlertNumber number, const NSTambraPacking::CAlertText& alert);
 
@@ -72,6 +76,7 @@ class CPackRun : public QObject,
   /// Of alerts that are answered for all files, by entry; the job's thread alone uses it.
   std::map<int, int> fAnswers;
   bool fWantsLog = false;
+  NSTambraPacking::CPackageInformation fInformation;
 
   mutable std::mutex fMutex;  // over fLines
   CLines fLines;

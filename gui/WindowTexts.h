@@ -51,6 +51,7 @@ inline constexpr CStringNumber kTextNotPacked{128, 662};
 inline constexpr CStringNumber kTextPictures{128, 663};
 inline constexpr CStringNumber kTextOpenTambra{128, 664};
 inline constexpr CStringNumber kTextTambras{128, 665};
+inline constexpr CStringNumber kTextLastRun{128, 666};
 
 inline constexpr CAlertNumber kAlertSaveInformation{128, 306};
 inline constexpr CAlertNumber kAlertScaleSplash{128, 307};
