@@ -10,6 +10,7 @@
 
 #include "gui/MenuBuilder.h"
 #include "gui/QtText.h"
+#include "gui/package/PackageListing.h"
 
 namespace NSTambraGui {
 
@@ -61,7 +62,8 @@ CAlertDialog::CAlertDialog(const CAlertText& alert, std::size_t careful, const Q
     : QDialog(parent), fAnswer(alert.Answer(careful)) {
   setWindowTitle(alert.fTitle.empty() ? QCoreApplication::applicationName() : ToQt(alert.fTitle));
   setAccessibleName(windowTitle());
-  setAccessibleDescription(ToQt(alert.fMessage));
+  const QString message = ShownText(alert.fMessage);
+  setAccessibleDescription(message);
   auto* const grid = new QGridLayout(this);
   grid->setSizeConstraint(QLayout::SetFixedSize);
   grid->setSpacing(16);
@@ -71,7 +73,7 @@ CAlertDialog::CAlertDialog(const CAlertText& alert, std::size_t careful, const Q
     icon->setPixmap(style()->standardIcon(IconOf(alert.fKind)).pixmap(edge));
     grid->addWidget(icon, 0, 0, Qt::AlignTop);
   }
-  grid->addWidget(MessageView(ToQt(alert.fMessage)), 0, 1);
+  grid->addWidget(MessageView(message), 0, 1);
   if (!sameForAll.isEmpty()) {
     fSameForAll = new QCheckBox(WithMnemonics({sameForAll}).front());
     grid->addWidget(fSameForAll, 1, 1);

@@ -3,8 +3,10 @@
 #include <QApplication>
 #include <QStyle>
 
+#include "app/PrintableText.h"
 #include "gui/QtText.h"
 #include "gui/WindowTexts.h"
+#include "gui/package/PackageListing.h"
 
 namespace NSTambraGui {
 
@@ -38,8 +40,8 @@ const CFolderFinding& CFindingsModel::Finding(int row) const {
 QString CFindingsModel::Detail(int row) const {
   if (row < 0 || row >= rowCount()) return {};
   const CFolderFinding& finding = Finding(row);
-  QString text = ToQt(finding.fText);
-  for (const std::u16string& hint : finding.fHints) text += "\n– " + ToQt(hint);
+  QString text = FileText(finding) + '\n' + ShownText(finding.fText);
+  for (const std::u16string& hint : finding.fHints) text += "\n– " + ShownText(hint);
   return text;
 }
 
@@ -65,12 +67,15 @@ QVariant CFindingsModel::data(const QModelIndex& index, int role) const {
 
 QString CFindingsModel::CellText(const CFolderFinding& finding, int column) const {
   if (column == kKind) return KindText(finding.fKind);
-  if (column == kFile) {
-    return finding.fFile.empty() ? ToQt(fTexts.Text(kTextWholeFolder)) : ToQt(finding.fFile);
-  }
-  QString text = ToQt(finding.fText);
-  for (const std::u16string& hint : finding.fHints) text += " – " + ToQt(hint);
+  if (column == kFile) return FileText(finding);
+  QString text = ShownText(finding.fText);
+  for (const std::u16string& hint : finding.fHints) text += " – " + ShownText(hint);
   return text.replace('\n', ' ');
+}
+
+QString CFindingsModel::FileText(const CFolderFinding& finding) const {
+  return ToQt(finding.fFile.empty() ? fTexts.Text(kTextWholeFolder)
+                                    : NSTambraPacking::PrintableText(finding.fFile));
 }
 
 QString CFindingsModel::KindText(EFinding kind) const {

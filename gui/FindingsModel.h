@@ -19,7 +19,8 @@ class CFindingsModel : public QAbstractTableModel {
 
   void SetLook(SharedLook look);
 
-  /// The whole finding, its hints on lines of their own; empty for a row that is not there.
+  /// The whole finding, its file and hints on lines of their own; empty for a row that is not
+  /// there.
   QString Detail(int row) const;
 
   int rowCount(const QModelIndex& parent = {}) const override;
@@ -29,6 +30,7 @@ class CFindingsModel : public QAbstractTableModel {
 
  private:
   QString CellText(const NSTambraPacking::CFolderFinding& finding, int column) const;
+  QString FileText(const NSTambraPacking::CFolderFinding& finding) const;
   QString KindText(NSTambraPacking::EFinding kind) const;
 
   const NSTambraPacking::CTextResources& fTexts;

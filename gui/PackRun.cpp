@@ -10,6 +10,7 @@
 #include "gui/AlertDialog.h"
 #include "gui/QtText.h"
 #include "gui/WindowTexts.h"
+#include "gui/package/PackageListing.h"
 
 namespace NSTambraGui {
 
@@ -102,7 +103,7 @@ void CPackRun::SetStageLine(const std::u16string& line) {
 
 void CPackRun::SetItemLine(const std::u16string& line) {
   const std::lock_guard lock(fMutex);
-  fLines.fItem = ToQt(line);
+  fLines.fItem = ShownText(line);
 }
 
 void CPackRun::SetBar(int position) {
