@@ -142,7 +142,10 @@ CPackageInformation CInformationPanel::Wanted() const {
     if (line->text() != ToQt(fRead.*text)) wanted.*text = FromQt(line->text().trimmed());
   }
   if (fComments->document()->isModified()) {
-    wanted.fComments = FromQt(fComments->toPlainText().trimmed());
+    // The plain text would have blanks for no-break spaces.
+    QString text = fComments->document()->toRawText().trimmed();
+    const bool isWindows = fRead.fComments.find(u"\r\n") != std::u16string::npos;
+    wanted.fComments = FromQt(text.replace(QChar::ParagraphSeparator, isWindows ? "\r\n" : "\n"));
   }
   return wanted;
 }
