@@ -29,6 +29,11 @@ bool IsClosing(CAlertNumber number) {
   return std::find(kClosing.begin(), kClosing.end(), number) != kClosing.end();
 }
 
+/// Whether the user answers for one or for several Tambras is the same question.
+int QuestionOf(CAlertNumber number) {
+  return number == kAlertRefersToTambras ? kAlertRefersToTambra.fEntry : number.fEntry;
+}
+
 bool Repeats(CAlertNumber number) {
   return std::find(kRepeating.begin(), kRepeating.end(), number) != kRepeating.end();
 }
@@ -121,7 +126,8 @@ void CPackRun::SetInformation(const CPackageInformation& information) {
 }
 
 int CPackRun::Show(CAlertNumber number, const CAlertText& alert) {
-  if (const auto known = fAnswers.find(number.fEntry); known != fAnswers.end() && Repeats(number)) {
+  if (const auto known = fAnswers.find(QuestionOf(number));
+      known != fAnswers.end() && Repeats(number)) {
     return known->second;
   }
   if (IsClosing(number)) emit Closing(number != kAlertProblems);
@@ -138,7 +144,7 @@ int CPackRun::ShowOnWindow(CAlertNumber number, const CAlertText& alert) {
   const QString sameForAll = Repeats(number) ? ToQt(fTexts.Text(kTextSameForAll)) : QString();
   CAlertDialog dialog(alert, CarefulButton(number, alert), sameForAll, &fWindow);
   dialog.exec();
-  if (dialog.IsForAll()) fAnswers[number.fEntry] = dialog.Answer();
+  if (dialog.IsForAll()) fAnswers[QuestionOf(number)] = dialog.Answer();
   return dialog.Answer();
 }
 

@@ -73,7 +73,7 @@ class CPackRun : public QObject,
   NSTolbrook::CSystemClock fClock;
   NSTambraPacking::CTambraPackProgress fProgress;
   NSTambraPacking::CTambraPacker fPacker;
-  /// Of alerts that are answered for all files, by entry; the job's thread alone uses it.
+  /// Of alerts that are answered for all files, by question; the job's thread alone uses it.
   std::map<int, int> fAnswers;
   bool fWantsLog = false;
   NSTambraPacking::CPackageInformation fInformation;
