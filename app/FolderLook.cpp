@@ -119,25 +119,27 @@ void AddFile(const CScannedFile& file, CTypeNames& names,
 }
 
 void ListFiles(const CTextResources& texts, const NSTolbrook::NativePath& folder,
-               const CFolderLookReport& report, CFolderLook& look) {
+               const CFolderLookReport& report, CFolderLook& look,
+               std::vector<std::u16string>& badShortcuts) {
   const auto checkStop = [&] {
     if (report.fStopRequested()) throw NSMordel::XSilentAbort("User aborted");
   };
   look.fTexts = ReadPackageTexts(ReadInformationFiles(folder));
   CFingerprint fingerprint;
-  // A bad shortcut is told of by the check.
   CScannedFolder scanned = ScanFolder(
       folder,
       {[&](const std::u16string& path) { return look.fTexts.fOptions.fSkipItems.Hold(path); },
        [&](std::size_t) { checkStop(); },
-       [&](const std::u16string& path) { fingerprint.Add(path); }});
+       [&](const std::u16string& path) { badShortcuts.push_back(path); }});
   CTypeNames names(texts);
   std::map<std::u16string, CTypeCount> types;
   for (const CScannedFile& file : scanned.fFiles) {
     checkStop();
     AddFile(file, names, types, fingerprint);
   }
-  for (const std::u16string& path : scanned.fFolders) fingerprint.Add(path);
+  for (const auto* const paths : {&scanned.fFolders, &badShortcuts}) {
+    for (const std::u16string& path : *paths) fingerprint.Add(path);
+  }
   for (const CScannedShortcut& shortcut : scanned.fShortcuts) {
     fingerprint.Add(shortcut.fPath);
     fingerprint.Add(shortcut.fTarget.value_or(u"/"));
@@ -213,22 +215,27 @@ void AddNotes(const CTextResources& texts, const CPackJobState& state,
 CFolderLook LookAtFolder(const CTextResources& texts, const CPackSettings& settings,
                          const CFolderLookReport& report) {
   CFolderLook look;
+  std::vector<std::u16string> badShortcuts;
   CLookPresenter presenter;
   const NSTolbrook::CSystemClock clock;
   CTambraPacker packer(texts, presenter, clock);
   try {
-    ListFiles(texts, settings.fInputFolder.Path(), report, look);
+    ListFiles(texts, settings.fInputFolder.Path(), report, look, badShortcuts);
     if (!report.fListed(look)) return look;
     CLookView view(report.fStopRequested);
     CTambraPackProgress progress(texts, clock, view, {.fShowTime = false});
     view.fProgress = &progress;
     CPackageInformation information;
-    packer.Check(settings, information, progress);
+    // A check would end at the first bad shortcut.
+    if (badShortcuts.empty()) packer.Check(settings, information, progress);
   } catch (const NSMordel::XSilentAbort&) {
     throw;
   } catch (const NSMordel::XAbort&) {  // the lists tell why
   } catch (...) {
     packer.ShowFailure(std::current_exception());
+  }
+  for (const std::u16string& path : badShortcuts) {
+    look.fFindings.push_back({EFinding::kProblem, path, texts.Text(kLookBadShortcut), {}});
   }
   for (const std::u16string& told : presenter.fTold) {
     look.fFindings.push_back({EFinding::kProblem, {}, told, {}});

@@ -135,6 +135,7 @@ inline constexpr CStringNumber kLookUnresolved{128, 603};
 inline constexpr CStringNumber kLookExternal{128, 604};
 inline constexpr CStringNumber kLookProhibited{128, 605};
 inline constexpr CStringNumber kLookUnreferenced{128, 606};
+inline constexpr CStringNumber kLookBadShortcut{128, 607};
 /// Of the first reason to leave a file out, those of the others follow it.
 inline constexpr CStringNumber kFirstLookLeftOut{128, 610};
 
