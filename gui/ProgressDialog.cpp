@@ -14,15 +14,6 @@ namespace {
 
 constexpr int kInterval = 33;  // milliseconds
 
-/// Each line of the text cut in its middle where it is too long.
-QString Elided(const QLabel& label, const QString& text) {
-  QStringList lines = text.split('\n');
-  for (QString& line : lines) {
-    line = label.fontMetrics().elidedText(line, Qt::ElideMiddle, label.width());
-  }
-  return lines.join('\n');
-}
-
 }  // namespace
 
 CProgressDialog::CProgressDialog(const NSTambraPacking::CTextResources& texts, CPackRun& run,
@@ -32,16 +23,16 @@ CProgressDialog::CProgressDialog(const NSTambraPacking::CTextResources& texts, C
   setWindowModality(Qt::WindowModal);
   auto* const column = new QVBoxLayout(this);
   column->setContentsMargins(20, 16, 20, 16);
-  fStage = MakeLine(1);
+  fStage = new CElidedLabel(1);
   QFont bold = fStage->font();
   bold.setBold(true);
   fStage->setFont(bold);
-  fItem = MakeLine(2);
+  fItem = new CElidedLabel(2);
   fBar = new QProgressBar;
   fBar->setRange(0, 1000);
   fBar->setTextVisible(false);
   fBar->setAccessibleName(ToQt(texts.Text(kTextProgress)));
-  fTime = MakeLine(1);
+  fTime = new CElidedLabel(1);
   fStop = new QPushButton(WithMnemonics({ToQt(texts.Text(kTextStop))}).front());
   for (QWidget* const widget : std::initializer_list<QWidget*>{fStage, fItem, fBar, fTime}) {
     column->addWidget(widget);
@@ -56,20 +47,11 @@ CProgressDialog::CProgressDialog(const NSTambraPacking::CTextResources& texts, C
   fTimer.start(kInterval);
 }
 
-QLabel* CProgressDialog::MakeLine(int lines) {
-  auto* const label = new QLabel;
-  label->setTextFormat(Qt::PlainText);
-  label->setMinimumHeight(label->fontMetrics().lineSpacing() * lines);
-  label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
-  label->setAlignment(Qt::AlignTop | Qt::AlignLeft);
-  return label;
-}
-
 void CProgressDialog::Refresh() {
   const CPackRun::CLines lines = fRun.Lines();
-  fStage->setText(Elided(*fStage, lines.fStage));
-  fItem->setText(Elided(*fItem, lines.fItem));
-  fTime->setText(Elided(*fTime, lines.fTime));
+  fStage->SetWholeText(lines.fStage);
+  fItem->SetWholeText(lines.fItem);
+  fTime->SetWholeText(lines.fTime);
   fBar->setValue(lines.fBar);
 }
 

@@ -1,11 +1,11 @@
 #pragma once
 
 #include <QDialog>
-#include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTimer>
 
+#include "gui/ElidedLabel.h"
 #include "gui/PackRun.h"
 
 namespace NSTambraGui {
@@ -26,15 +26,14 @@ class CProgressDialog : public QDialog {
   void reject() override;
 
  private:
-  QLabel* MakeLine(int lines);
   void Refresh();
 
   const NSTambraPacking::CTextResources& fTexts;
   CPackRun& fRun;
-  QLabel* fStage;
-  QLabel* fItem;
+  CElidedLabel* fStage;
+  CElidedLabel* fItem;
   QProgressBar* fBar;
-  QLabel* fTime;
+  CElidedLabel* fTime;
   QPushButton* fStop;
   QTimer fTimer;
   QDialog* fQuestion = nullptr;
