@@ -50,6 +50,16 @@ QStringList WithMnemonics(const QStringList& texts, QString taken) {
   return marked;
 }
 
+QString MnemonicsOf(const QStringList& marked) {
+  QString letters;
+  for (const QString& text : marked) {
+    for (qsizetype at = text.indexOf('&'); at >= 0; at = text.indexOf('&', at + 2)) {
+      if (at + 1 < text.size() && text[at + 1] != '&') letters += text[at + 1];
+    }
+  }
+  return letters;
+}
+
 QMenu* BuildMenu(const NSTambraPacking::CMenu& script, const QString& title, QWidget& owner,
                  CCommands& commands) {
   auto* const menu = new QMenu(title, &owner);

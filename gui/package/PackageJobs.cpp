@@ -6,6 +6,7 @@
 
 #include "Parts/TolbrookPackage/Core/Text.h"
 
+#include "app/EntryComparison.h"
 #include "app/PackageCheck.h"
 #include "app/PackageComparison.h"
 #include "app/PackageTextNumbers.h"
@@ -162,6 +163,7 @@ QString ExtractEntries(const CJobContext& context, CPackageEntries entries,
   const std::size_t count = entries.size();
   std::uint64_t done = 0;
   std::size_t damaged = 0;
+  std::size_t relocated = 0;
   CPulse pulse;
   std::vector<CResultLine> lines;
   const CPackageExtractor extractor(std::move(entries), folder, existing);
@@ -171,18 +173,20 @@ QString ExtractEntries(const CJobContext& context, CPackageEntries entries,
                      },
                      [&](const CPackageEntry& entry, const CExtractedEntry& outcome) {
                        done += entry.Data()->Size();
-                       if (outcome.fKind == CExtractedEntry::EKind::kWhole) return;
                        const bool isDamaged = outcome.fKind == CExtractedEntry::EKind::kDamaged;
                        if (isDamaged) ++damaged;
+                       if (!isDamaged && HoldsReferences(entry)) ++relocated;
+                       if (outcome.fKind == CExtractedEntry::EKind::kWhole) return;
                        lines.push_back(LineOf(texts, isDamaged ? kResultFailed : kResultDifferent,
                                               entry.Path(), TextFromUtf8(outcome.fReason)));
                      },
                      [&] { context.fLink.CheckStop(); }});
   context.fView.fLines(lines);
-  const std::u16string written = texts.Text(
+  std::u16string told = texts.Text(
       kDemoWritten, {Count(count - damaged), TextFromUtf8(NSTolbrook::DisplayText(folder))});
-  if (damaged == 0) return Shown(written);
-  return Shown(written + u" " + texts.Text(kExtractionDamaged, {Count(damaged), Count(count)}));
+  if (damaged > 0) told += u' ' + texts.Text(kExtractionDamaged, {Count(damaged), Count(count)});
+  if (relocated > 0) told += u' ' + texts.Text(kExtractedRelocated, {Count(relocated)});
+  return Shown(told);
 }
 
 }  // namespace NSTambraGui

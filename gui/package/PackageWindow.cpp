@@ -160,10 +160,14 @@ void CPackageWindow::BuildStatus() {
 }
 
 void CPackageWindow::BuildMenus() {
-  // The letters in front are those of the buttons.
+  QStringList buttons;
+  for (const CStringNumber number : {kExtractCommand, kExtractAllCommand, kVerifyCommand,
+                                     kCompareCommand, kStopCommand, kPlayCommand}) {
+    buttons += Text(number);
+  }
   fMenus =
       new CWindowMenus(fTexts, *this, {kMenuPackageFile, kMenuEdit, kMenuPackageTambra, kMenuHelp},
-                       "EVCSP", fDialogs.fOpenAddress);
+                       MnemonicsOf(buttons), fDialogs.fOpenAddress);
   fMenus->Do(kCommandOpen, [this] { OpenOther(); });
   fMenus->Do(kCommandClose, [this] { close(); });
   fMenus->Do(kCommandExtract, [this] { Extract(); });
@@ -391,7 +395,9 @@ void CPackageWindow::Run(CStringNumber title, Job job, Failed failed) {
     if (failure == nullptr) return fDialogs.fTellEnd(*this, fResults->Heading());
     fResults->hide();
     if (failed && failed(failure)) return;
-    fDialogs.fShowAlert(this, AlertOfFailure(fTexts, failure, {}));
+    const CAlertText alert = AlertOfFailure(fTexts, failure, {});
+    fDialogs.fTellEnd(*this, ToQt(alert.fTitle.empty() ? alert.fMessage : alert.fTitle));
+    fDialogs.fShowAlert(this, alert);
   });
 }
 
