@@ -39,8 +39,12 @@ class CWindowApplication : public QApplication {
  private:
   void Show(const std::exception_ptr& failure) const {
     if (fTexts == nullptr) std::rethrow_exception(failure);
-    if (const auto choice = ChooseAlert(failure, ESituation::kGeneral, {})) {
-      ShowAlertDialog(*fTexts, choice->fNumber, choice->fArguments, activeWindow());
+    try {
+      if (const auto choice = ChooseAlert(failure, ESituation::kGeneral, {})) {
+        ShowAlertDialog(*fTexts, choice->fNumber, choice->fArguments, activeWindow());
+      }
+    } catch (const std::exception& e) {  // a text table that has no words for it
+      QMessageBox::critical(activeWindow(), {}, ToQt(std::string_view(e.what())));
     }
   }
 };

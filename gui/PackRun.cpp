@@ -76,7 +76,16 @@ void CPackRun::Work() {
   } catch (const NSMordel::XSilentAbort&) {  // the user knows
   } catch (...) {
     emit Closing(false);
-    fPacker.ShowFailure(std::current_exception());
+    ShowFailure(std::current_exception());
+  }
+}
+
+/// A text table may have no words for it, and nobody above would take what that throws.
+void CPackRun::ShowFailure(const std::exception_ptr& failure) {
+  try {
+    fPacker.ShowFailure(failure);
+  } catch (...) {
+    fFault = std::current_exception();
   }
 }
 
@@ -101,7 +110,6 @@ CPackRun::CLines CPackRun::Lines() const {
 }
 
 void CPackRun::SetStageLine(const std::u16string& line) {
-  if (line.empty()) return;  // between two phases the last one stays
   const std::lock_guard lock(fMutex);
   fLines.fStage = ToQt(line);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QWidget>
+#include <exception>
 #include <functional>
 #include <map>
 #include <mutex>
@@ -44,6 +45,8 @@ class CPackRun : public QObject,
   /// What the user last answered to the closing alert.
   bool WantsLog() const { return fWantsLog; }
   std::optional<NSTolbrook::NativePath> LogFile() const;
+  /// What kept the run from telling how it ended; null when nothing did.
+  const std::exception_ptr& Fault() const { return fFault; }
   /// Of the package; without files when the run did not get to its end.
   const NSTambraPacking::CPackageInformation& Information() const { return fInformation; }
 
@@ -58,6 +61,7 @@ class CPackRun : public QObject,
  private:
   void Work();
   void Pack();
+  void ShowFailure(const std::exception_ptr& failure);
 
   void SetStageLine(const std::u16string& line) override;
   void SetItemLine(const std::u16string& line) override;
@@ -76,6 +80,7 @@ class CPackRun : public QObject,
   /// Of alerts that are answered for all files, by question; the job's thread alone uses it.
   std::map<int, int> fAnswers;
   bool fWantsLog = false;
+  std::exception_ptr fFault;
   NSTambraPacking::CPackageInformation fInformation;
 
   mutable std::mutex fMutex;  // over fLines
