@@ -49,7 +49,9 @@ CFolderChooser::CFolderChooser(const CTexts& texts, QWidget* parent)
 void CFolderChooser::TakeTyped() {
   const QString typed = QDir::fromNativeSeparators(fPath->currentText().trimmed());
   if (typed == fFolder) return;
-  if (QFileInfo(typed).isDir()) {
+  // One that is not there yet is made by a run, or is missed where it is to be read.
+  const QFileInfo file(typed);
+  if (file.isDir() || (file.isAbsolute() && !file.exists())) {
     emit Chosen(typed);
   } else {
     SetFolder(fFolder);

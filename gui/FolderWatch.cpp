@@ -10,6 +10,7 @@
 #include "app/ExceptionAlerts.h"
 #include "codecs/LQXLibrary.h"
 #include "gui/QtText.h"
+#include "gui/SplashFile.h"
 
 namespace NSTambraGui {
 
@@ -21,6 +22,19 @@ using namespace NSTambraPacking;
 constexpr int kDelay = 400;  // milliseconds
 /// The system's watches are few and belong to all programs.
 constexpr std::size_t kMostFolders = 2000;
+
+QStringList PathsToWatch(const QString& folder, const CFolderLook& look) {
+  QStringList paths{folder};
+  for (const std::u16string& inner : look.fFolders) {
+    if (static_cast<std::size_t>(paths.size()) >= kMostFolders) break;
+    paths += folder + "/" + ToQt(inner);
+  }
+  // A folder tells of files that come and go, a file of its own text: these are edited in place.
+  for (const QString& name : QDir(folder).entryList({"*.txt", "*.jpg"}, QDir::Files)) {
+    paths += folder + "/" + name;
+  }
+  return paths;
+}
 
 }  // namespace
 
@@ -84,9 +98,11 @@ void CFolderWatch::Look(const CTaskLink& link, const QString& folder, std::uint6
                    {[&link] { return link.StopRequested(); },
                     [&](const CFolderLook& listed) {
                       if (listed.fFingerprint == known) return false;
-                      link.Post([this, listed = std::make_shared<const CFolderLook>(listed)] {
-                        Watch(*listed);
-                        emit Listed(listed);
+                      link.Post([this, listed = std::make_shared<const CFolderLook>(listed),
+                                 paths = PathsToWatch(folder, listed),
+                                 splash = ReadPicture(SplashPath(folder)).fImage] {
+                        Watch(paths);
+                        emit Listed(listed, splash);
                       });
                       return true;
                     }}));
@@ -109,19 +125,7 @@ void CFolderWatch::TakeFailure(const std::exception_ptr& failure) {
   emit Checked(std::make_shared<const CFolderLook>(std::move(look)));
 }
 
-void CFolderWatch::Watch(const CFolderLook& look) {
-  QStringList paths{fFolder};
-  for (const std::u16string& folder : look.fFolders) {
-    if (static_cast<std::size_t>(paths.size()) >= kMostFolders) break;
-    paths += fFolder + "/" + ToQt(folder);
-  }
-  // A folder tells of files that come and go, a file of its own text: these are edited in place.
-  for (const QFileInfo& file : QDir(fFolder).entryInfoList(QDir::Files)) {
-    const QString name = file.fileName();
-    if (name.endsWith(".txt", Qt::CaseInsensitive) || name.endsWith(".jpg", Qt::CaseInsensitive)) {
-      paths += file.filePath();
-    }
-  }
+void CFolderWatch::Watch(QStringList paths) {
   const QStringList known = fWatcher.directories() + fWatcher.files();
   const QSet<QString> watched(known.begin(), known.end());
   paths.removeIf([&watched](const QString& path) { return watched.contains(path); });

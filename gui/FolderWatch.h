@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QFileSystemWatcher>
+#include <QImage>
 #include <QTimer>
 
 #include "app/FolderLook.h"
@@ -28,8 +29,9 @@ class CFolderWatch : public QObject {
   bool IsLooking() const { return fTask.IsRunning() || fDelay.isActive(); }
 
  signals:
-  /// The folder is listed; its check has begun.
-  void Listed(const SharedLook& look);
+  /// The folder is listed; its check has begun. `splash` is a picture without pixels when there is
+  /// none that can be read.
+  void Listed(const SharedLook& look, const QImage& splash);
   void Checked(const SharedLook& look);
 
  private:
@@ -37,7 +39,7 @@ class CFolderWatch : public QObject {
   void Look(const CTaskLink& link, const QString& folder, std::uint64_t known);
   void Take(const SharedLook& look);
   void TakeFailure(const std::exception_ptr& failure);
-  void Watch(const NSTambraPacking::CFolderLook& look);
+  void Watch(QStringList paths);
 
   const NSTambraPacking::CTextResources& fTexts;
   QString fFolder;

@@ -15,11 +15,6 @@ namespace {
 
 using namespace NSTambraPacking;
 
-/// The mnemonics of the menus, the folders and the button that packs.
-constexpr char kMenuLetters[] = "FETHIOC";
-/// And those of the buttons here.
-constexpr char kTakenLetters[] = "FETHIOCSR";
-
 /// As INFO.TXT has it; a publisher knows the options by these names.
 QStringList OptionKeys(const CPackOptions& options) {
   QStringList keys;
@@ -44,7 +39,8 @@ QStringList OptionKeys(const CPackOptions& options) {
 
 }  // namespace
 
-CInformationPanel::CInformationPanel(const CTextResources& texts, QWidget* parent)
+CInformationPanel::CInformationPanel(const CTextResources& texts, const QString& taken,
+                                     QWidget* parent)
     : QGroupBox(parent),
       fTexts(texts),
       fName(new QLineEdit),
@@ -61,9 +57,10 @@ CInformationPanel::CInformationPanel(const CTextResources& texts, QWidget* paren
                                                        {kInfoCopyright, fCopyright},
                                                        {kInfoAddress, fURL},
                                                        {kTextComments, fComments}};
+  const QStringList buttons = WithMnemonics({Text(kTextSave), Text(kTextRevert)}, taken);
   QStringList labels;
   for (const auto& field : fields) labels += Text(field.first);
-  const QStringList marked = WithMnemonics(labels, kTakenLetters);
+  const QStringList marked = WithMnemonics(labels, taken + MnemonicsOf(buttons));
   for (qsizetype row = 0; row < marked.size(); ++row) {
     fields[row].second->setAccessibleName(labels[row]);
     fields[row].second->setAcceptDrops(false);  // a folder that is dropped here is for the window
@@ -84,7 +81,7 @@ CInformationPanel::CInformationPanel(const CTextResources& texts, QWidget* paren
   auto* const row = new QHBoxLayout(this);
   auto* const column = new QVBoxLayout;
   column->addLayout(form);
-  column->addWidget(MakeButtons());
+  column->addWidget(MakeButtons(buttons));
   row->addLayout(column, 1);
   row->addWidget(MakeSplash(), 0, Qt::AlignTop);
   for (QLineEdit* const line : {fName, fVersion, fCopyright, fURL}) {
@@ -107,11 +104,10 @@ QWidget* CInformationPanel::MakeSplash() {
   return box;
 }
 
-QWidget* CInformationPanel::MakeButtons() {
+QWidget* CInformationPanel::MakeButtons(const QStringList& labels) {
   auto* const box = new QWidget;
   auto* const row = new QHBoxLayout(box);
   row->setContentsMargins(0, 0, 0, 0);
-  const QStringList labels = WithMnemonics({Text(kTextSave), Text(kTextRevert)}, kMenuLetters);
   fSave = new QPushButton(labels[0]);
   fRevert = new QPushButton(labels[1]);
   row->addStretch();
@@ -145,7 +141,10 @@ CPackageInformation CInformationPanel::Wanted() const {
     // The plain text would have blanks for no-break spaces.
     QString text = fComments->document()->toRawText().trimmed();
     const bool isWindows = fRead.fComments.find(u"\r\n") != std::u16string::npos;
-    wanted.fComments = FromQt(text.replace(QChar::ParagraphSeparator, isWindows ? "\r\n" : "\n"));
+    for (const QChar end : {QChar(QChar::ParagraphSeparator), QChar(QChar::LineSeparator)}) {
+      text.replace(end, isWindows ? "\r\n" : "\n");
+    }
+    wanted.fComments = FromQt(text);
   }
   return wanted;
 }

@@ -18,8 +18,9 @@ class CInformationPanel : public QGroupBox {
   Q_OBJECT
 
  public:
-  /// The texts must outlive the panel.
-  CInformationPanel(const NSTambraPacking::CTextResources& texts, QWidget* parent);
+  /// The texts must outlive the panel. Its mnemonics keep clear of the letters in `taken`.
+  CInformationPanel(const NSTambraPacking::CTextResources& texts, const QString& taken,
+                    QWidget* parent);
 
   /// Shows what was read; what the user is changing stays as it is.
   void Show(const NSTambraPacking::CPackageTexts& texts);
@@ -44,7 +45,7 @@ class CInformationPanel : public QGroupBox {
   std::array<CLine, 4> Lines() const;
   void ShowComments();
   QWidget* MakeSplash();
-  QWidget* MakeButtons();
+  QWidget* MakeButtons(const QStringList& labels);
   QString Text(NSTambraPacking::CStringNumber number) const;
   void TellEdited();
 

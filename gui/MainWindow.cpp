@@ -12,6 +12,7 @@
 
 #include "app/ExceptionAlerts.h"
 #include "app/InformationEditor.h"
+#include "app/InputFolder.h"
 #include "gui/AlertDialog.h"
 #include "gui/QtText.h"
 #include "gui/SplashFile.h"
@@ -41,18 +42,19 @@ CMainDialogs CMainDialogs::OfTheDesktop() {
           [](QWidget* parent, const QString& title, const QString& filter) {
             return QFileDialog::getOpenFileName(parent, title, {}, filter);
           },
-          [](const QUrl& address) { QDesktopServices::openUrl(address); }, TellEnd};
+          [](const QUrl& address) { return QDesktopServices::openUrl(address); }, TellEnd};
 }
 
 CMainWindow::CMainWindow(const CTextResources& texts, CMainDialogs dialogs)
     : fTexts(texts),
       fDialogs(std::move(dialogs)),
       fWatch(texts, nullptr),
+      fPicture(nullptr),
       fLook(std::make_shared<const CFolderLook>()) {
   setWindowTitle(Text(kProgramName));
   setAcceptDrops(true);
-  BuildContent();
   BuildMenus();
+  BuildContent();
   Connect();
   RestoreState();
   UpdateState();
@@ -79,8 +81,12 @@ void CMainWindow::BuildContent() {
   auto* const parts = new QVBoxLayout(body);
   parts->setContentsMargins(0, 0, 0, 0);
   parts->setSpacing(10);
-  parts->addWidget(BuildFolders());
-  fInformation = new CInformationPanel(fTexts, body);
+  const QStringList labels =
+      WithMnemonics({Text(kTextInputFolder), Text(kTextOutputFolder)}, fMenus->Letters());
+  parts->addWidget(BuildFolders(labels));
+  const QString taken =
+      fMenus->Letters() + MnemonicsOf(labels + QStringList(Command(kCommandCreate)->text()));
+  fInformation = new CInformationPanel(fTexts, taken, body);
   parts->addWidget(fInformation);
   fContents = new CContentsPanel(fTexts, body);
   parts->addWidget(fContents, 1);
@@ -94,15 +100,15 @@ void CMainWindow::BuildContent() {
   auto* const column = new QVBoxLayout(center);
   column->setSpacing(10);
   column->addWidget(area, 1);
-  column->addWidget(BuildFoot());
+  fFoot = new CPackFoot(center);
+  column->addWidget(fFoot);
   setCentralWidget(center);
 }
 
-QWidget* CMainWindow::BuildFolders() {
+QWidget* CMainWindow::BuildFolders(const QStringList& labels) {
   auto* const box = new QWidget;
   auto* const column = new QVBoxLayout(box);
   column->setContentsMargins(0, 0, 0, 0);
-  const QStringList labels = WithMnemonics({Text(kTextInputFolder), Text(kTextOutputFolder)});
   const auto make = [&](const QString& label) {
     auto* const chooser =
         new CFolderChooser({label, Text(kTextChoose), Text(kTextDropFolder)}, box);
@@ -117,33 +123,8 @@ QWidget* CMainWindow::BuildFolders() {
   return box;
 }
 
-QWidget* CMainWindow::BuildFoot() {
-  auto* const box = new QWidget;
-  auto* const row = new QHBoxLayout(box);
-  row->setContentsMargins(0, 0, 0, 0);
-  auto* const column = new QVBoxLayout;
-  fState = new QLabel;
-  fOutputName = new QLabel;
-  for (QLabel* const label : {fState, fOutputName}) {
-    label->setTextFormat(Qt::PlainText);
-    column->addWidget(label);
-  }
-  QFont bold = fState->font();
-  bold.setBold(true);
-  fState->setFont(bold);
-  fCreateTambraButton = new QPushButton;
-  fCreateTambraButton->setDefault(true);
-  fCreateTambraButton->setMinimumHeight(fCreateTambraButton->sizeHint().height() * 3 / 2);
-  row->addLayout(column, 1);
-  row->addWidget(fCreateTambraButton);
-  return box;
-}
-
 void CMainWindow::Connect() {
-  QAction* const create = Command(kCommandCreate);
-  fCreateTambraButton->setText(create->text());
-  fCreateTambraButton->setMinimumWidth(fCreateTambraButton->sizeHint().width() + 24);
-  connect(fCreateTambraButton, &QPushButton::clicked, create, &QAction::trigger);
+  fFoot->SetCommand(*Command(kCommandCreate));
   connect(fInput, &CFolderChooser::Asked, this, &CMainWindow::ChooseInput);
   connect(fInput, &CFolderChooser::Chosen, this, &CMainWindow::SetInput);
   connect(fOutput, &CFolderChooser::Asked, this, &CMainWindow::ChooseOutput);
@@ -164,8 +145,9 @@ void CMainWindow::RestoreState() {
   Command(kCommandWarnExternal)->setChecked(settings.value("main/warnExternal").toBool());
   const QString input = settings.value("main/inputFolder").toString();
   const QString output = settings.value("main/outputFolder").toString();
-  if (QFileInfo(output).isDir()) SetOutput(output);
-  if (QFileInfo(input).isDir()) SetInput(input);
+  // One that is away, on a disk that is not there, may come back.
+  if (!output.isEmpty()) SetOutput(output);
+  if (!input.isEmpty()) SetInput(input);
 }
 
 void CMainWindow::SaveState() const {
@@ -216,24 +198,25 @@ void CMainWindow::SetInput(const QString& folder) {
   fLastRun.clear();
   fIsListed = false;
   fInformation->Show({});
+  fInformation->Splash().Show({});
   fContents->Show(fLook);
-  ShowSplash();
+  fPicture.Stop();
   fWatch.SetFolder(fInput->Folder());
-  UpdateState();
+  CheckOutput();
 }
 
 void CMainWindow::SetOutput(const QString& folder) {
   if (!IsPacking()) fOutput->SetFolder(folder);
-  UpdateState();
+  CheckOutput();
 }
 
-void CMainWindow::ShowListed(const SharedLook& look) {
+void CMainWindow::ShowListed(const SharedLook& look, const QImage& splash) {
   fLook = look;
   fIsListed = true;
   fInformation->Show(look->fTexts);
+  fInformation->Splash().Show(splash);
   fContents->Show(look);
-  ShowSplash();
-  UpdateState();
+  CheckOutput();
 }
 
 void CMainWindow::ShowChecked(const SharedLook& look) {
@@ -242,13 +225,9 @@ void CMainWindow::ShowChecked(const SharedLook& look) {
   UpdateState();
 }
 
-void CMainWindow::ShowSplash() {
-  const QString folder = fInput->Folder();
-  fInformation->Splash().Show(folder.isEmpty() ? QImage() : ReadPicture(SplashPath(folder)));
-}
-
 void CMainWindow::Create() {
   if (IsPacking() || !LeaveInformation()) return;
+  fPicture.Stop();
   fWatch.SetPaused(true);
   CPackSettings settings;
   settings.fInputFolder = NSTolbrook::CFileItem(PathFromQt(fInput->Folder()));
@@ -276,11 +255,12 @@ void CMainWindow::EndRun() {
   if (const CPackageInformation& packed = run->Information(); packed.fFileCount > 0) {
     fLastRun = Text(kTextLastRun, {packed.fName, Number(static_cast<qint64>(packed.fFileCount))});
   }
-  if (run->WantsLog() && run->LogFile()) {
-    fDialogs.fOpenAddress(QUrl::fromLocalFile(PathToQt(*run->LogFile())));
-  }
   fWatch.SetPaused(false);
   UpdateState();
+  if (run->Fault()) ShowFailure(run->Fault());
+  if (run->WantsLog() && run->LogFile()) {
+    fMenus->Open(QUrl::fromLocalFile(PathToQt(*run->LogFile())));
+  }
 }
 
 void CMainWindow::ShowInformation(const CPackageInformation& information) {
@@ -316,25 +296,41 @@ bool CMainWindow::LeaveInformation() {
 
 void CMainWindow::TakeSplash(const QString& path) {
   if (fInput->Folder().isEmpty() || IsPacking()) return;
-  const QImage picture = ReadPicture(path);
-  if (picture.isNull()) {
+  fPicture.Start(
+      [this, path](const CTaskLink& link) {
+        link.Post([this, path, picture = ReadPicture(path)] { OfferSplash(path, picture); });
+      },
+      [this](const std::exception_ptr& failure) {
+        if (failure) ShowFailure(failure);
+      });
+}
+
+void CMainWindow::OfferSplash(const QString& path, const CSplashPicture& picture) {
+  if (picture.fImage.isNull()) {
     ShowAlertDialog(fTexts, kAlertNoPicture, {FromQt(QFileInfo(path).fileName())}, this);
     return;
   }
-  const QString target = SplashPath(fInput->Folder());
-  const std::u16string edge = Number(kSplashEdge);
-  const int answer = ShowAlertDialog(fTexts, kAlertScaleSplash,
-                                     {Number(picture.width()), Number(picture.height()), edge, edge,
-                                      FromQt(QFileInfo(target).fileName())},
-                                     this);
-  if (answer != kLastButton) return;
+  if (!AskForSplash(picture)) return;
   try {
-    SaveSplash(fInput->Folder(), picture);
+    fInformation->Splash().Show(SaveSplash(fInput->Folder(), picture));
   } catch (...) {
     ShowFailure(std::current_exception());
   }
-  ShowSplash();
   fWatch.LookAgain();
+}
+
+bool CMainWindow::AskForSplash(const CSplashPicture& picture) {
+  const QFileInfo target(SplashPath(fInput->Folder()));
+  const std::u16string name = FromQt(target.fileName());
+  if (picture.HasSplashSize()) {
+    return !target.exists() ||
+           ShowAlertDialog(fTexts, kAlertReplaceSplash, {name}, this) == kLastButton;
+  }
+  const std::u16string edge = Number(kSplashEdge);
+  return ShowAlertDialog(
+             fTexts, kAlertScaleSplash,
+             {Number(picture.fImage.width()), Number(picture.fImage.height()), edge, edge, name},
+             this) == kLastButton;
 }
 
 void CMainWindow::ShowFailure(const std::exception_ptr& failure) {
@@ -346,13 +342,23 @@ void CMainWindow::ShowFailure(const std::exception_ptr& failure) {
 void CMainWindow::UpdateState() {
   const bool isReady = !fInput->Folder().isEmpty() && !fOutput->Folder().isEmpty() && !IsPacking();
   Command(kCommandCreate)->setEnabled(isReady);
-  fCreateTambraButton->setEnabled(isReady);
   Command(kCommandSaveInformation)->setEnabled(fInformation->IsEdited());
   // What has not been read would be saved as empty.
   fInformation->setEnabled(fIsListed && !IsPacking());
-  fState->setText(StateText());
-  const QString name = Text(kTextOutputName, {FromQt(OutputName())});
-  fOutputName->setText(fLastRun.isEmpty() ? name : name + "\n" + fLastRun);
+  fFoot->Show(StateText(), Text(kTextOutputName, {FromQt(OutputName())}), fLastRun);
+}
+
+void CMainWindow::CheckOutput() {
+  fOutputFault.clear();
+  try {
+    if (fInput->Folder().isEmpty() || fOutput->Folder().isEmpty()) return UpdateState();
+    CheckOutputFolder(PathFromQt(fInput->Folder()), PathFromQt(fOutput->Folder()));
+  } catch (const NSMordel::XCreate&) {
+    const auto choice = ChooseAlert(std::current_exception(), ESituation::kGeneral, {});
+    fOutputFault = ShownText(fTexts.Alert(choice->fNumber, choice->fArguments).fMessage);
+  } catch (const NSMordel::CExceptionBodyMixin&) {  // told by the run
+  }
+  UpdateState();
 }
 
 QString CMainWindow::StateText() const {
@@ -364,6 +370,7 @@ QString CMainWindow::StateText() const {
       [](const CFolderFinding& finding) { return finding.fKind == EFinding::kProblem; });
   if (problems > 0) return Text(kTextNotReady, {Number(problems)});
   if (fOutput->Folder().isEmpty()) return Text(kTextNoOutput);
+  if (!fOutputFault.isEmpty()) return fOutputFault;
   return Text(kTextReady,
               {Number(static_cast<qint64>(fLook->fPackable)), FromQt(SizeText(fLook->fSize))});
 }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QMainWindow>
-#include <QPushButton>
 #include <functional>
 #include <memory>
 
@@ -10,8 +9,10 @@
 #include "gui/FolderChooser.h"
 #include "gui/FolderWatch.h"
 #include "gui/InformationPanel.h"
+#include "gui/PackFoot.h"
 #include "gui/PackRun.h"
 #include "gui/ProgressDialog.h"
+#include "gui/SplashFile.h"
 #include "gui/WindowMenus.h"
 
 namespace NSTambraGui {
@@ -21,7 +22,6 @@ struct CMainDialogs {
   /// Both give an empty text when the user thinks better of it.
   std::function<QString(QWidget* parent, const QString& title, const QString& start)> fChooseFolder;
   std::function<QString(QWidget* parent, const QString& title, const QString& filter)> fChooseFile;
-  /// Opens a page, or a file with the program that is meant for it.
   CWindowMenus::OpenAddress fOpenAddress;
   /// Tells a user who is elsewhere that a job has ended.
   std::function<void(QWidget& window, const QString& message)> fTellEnd;
@@ -59,8 +59,7 @@ class CMainWindow : public QMainWindow {
  private:
   void BuildMenus();
   void BuildContent();
-  QWidget* BuildFolders();
-  QWidget* BuildFoot();
+  QWidget* BuildFolders(const QStringList& labels);
   void Connect();
   void RestoreState();
   void SaveState() const;
@@ -71,9 +70,8 @@ class CMainWindow : public QMainWindow {
   void ChooseSplash();
   void SetInput(const QString& folder);
   void SetOutput(const QString& folder);
-  void ShowListed(const SharedLook& look);
+  void ShowListed(const SharedLook& look, const QImage& splash);
   void ShowChecked(const SharedLook& look);
-  void ShowSplash();
 
   void Create();
   void EndRun();
@@ -84,8 +82,13 @@ class CMainWindow : public QMainWindow {
   /// Asks what becomes of changed texts; false when the user wants to go on with them.
   bool LeaveInformation();
   void TakeSplash(const QString& path);
+  void OfferSplash(const QString& path, const CSplashPicture& picture);
+  /// False when the user thinks better of it.
+  bool AskForSplash(const CSplashPicture& picture);
   void ShowFailure(const std::exception_ptr& failure);
 
+  /// Finds out about the output folder and updates the state.
+  void CheckOutput();
   void UpdateState();
   QString Text(NSTambraPacking::CStringNumber number,
                const std::vector<std::u16string>& arguments = {}) const;
@@ -97,11 +100,11 @@ class CMainWindow : public QMainWindow {
   CFolderChooser* fOutput = nullptr;
   CInformationPanel* fInformation = nullptr;
   CContentsPanel* fContents = nullptr;
-  QLabel* fState = nullptr;
-  QLabel* fOutputName = nullptr;
-  QPushButton* fCreateTambraButton = nullptr;
+  CPackFoot* fFoot = nullptr;
   CFolderWatch fWatch;
+  CBackgroundTask fPicture;  ///< the reading of a splash to be
   SharedLook fLook;
+  QString fOutputFault;    ///< why the output folder cannot be used; empty when it can
   QString fLastRun;        ///< what came of it; empty when nothing did
   bool fIsListed = false;  ///< fLook is of the chosen folder
   std::unique_ptr<CPackRun> fRun;

@@ -1,20 +1,28 @@
 #pragma once
 
+#include <QByteArray>
 #include <QImage>
 #include <QString>
 
 namespace NSTambraGui {
 
+/// A picture that may become a splash.
+struct CSplashPicture {
+  QImage fImage;     ///< without pixels when there is none or it cannot be read
+  QByteArray fFile;  ///< the file as it stands where that is a splash already, else empty
+
+  bool HasSplashSize() const;
+};
+
 /// The path of the folder's splash picture, whatever the case of its name; "Splash.jpg" when there
 /// is none.
 QString SplashPath(const QString& folder);
 
-/// A picture without pixels when there is none or it cannot be read. One that is far larger than a
-/// splash is read at a smaller size.
-QImage ReadPicture(const QString& path);
+/// One that is far larger than a splash is read at a smaller size. May take its time.
+CSplashPicture ReadPicture(const QString& path);
 
-/// Writes the picture, scaled to the size of a splash, as the folder's splash picture; in place of
-/// the old one only when it is whole. Throws XWrite.
-void SaveSplash(const QString& folder, const QImage& picture);
+/// Writes the picture as the folder's splash picture, scaled where it has another size; in place of
+/// the old one only when it is whole. Returns it. Throws XWrite.
+QImage SaveSplash(const QString& folder, const CSplashPicture& picture);
 
 }  // namespace NSTambraGui

@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "gui/AboutDialog.h"
+#include "gui/AlertDialog.h"
 #include "gui/QtText.h"
 #include "gui/WindowTexts.h"
 
@@ -59,10 +60,11 @@ void CopyRows(const QAbstractItemView& view) {
 CWindowMenus::CWindowMenus(const NSTambraPacking::CTextResources& texts, QMainWindow& window,
                            const std::vector<int>& menus, const QString& taken,
                            OpenAddress openAddress)
-    : QObject(&window), fTexts(texts), fWindow(window) {
+    : QObject(&window), fTexts(texts), fWindow(window), fOpenAddress(std::move(openAddress)) {
   QStringList titles;
   for (const int number : menus) titles += ToQt(texts.Menus().Menu(number).fTitle);
   titles = WithMnemonics(titles, taken);
+  fLetters = MnemonicsOf(titles);
   for (const int number : menus) {
     QMenu* const menu =
         BuildMenu(texts.Menus().Menu(number), titles.takeFirst(), window, fCommands);
@@ -74,12 +76,17 @@ CWindowMenus::CWindowMenus(const NSTambraPacking::CTextResources& texts, QMainWi
   for (const auto& [command, address] :
        {std::pair(kCommandHomePage, NSTambraPacking::kHomePageAddress),
         std::pair(kCommandSupportPage, NSTambraPacking::kSupportPageAddress)}) {
-    Do(command, [openAddress, url = QUrl(ToQt(texts.Text(address)))] { openAddress(url); });
+    Do(command, [this, url = QUrl(ToQt(texts.Text(address)))] { Open(url); });
   }
 }
 
 void CWindowMenus::Do(int number, std::function<void()> work) {
   connect(Command(number), &QAction::triggered, this, std::move(work));
+}
+
+void CWindowMenus::Open(const QUrl& address) {
+  if (fOpenAddress(address)) return;
+  ShowAlertDialog(fTexts, kAlertNotOpened, {FromQt(address.toDisplayString())}, &fWindow);
 }
 
 void CWindowMenus::AddEditCommands(QMenu* menu) {

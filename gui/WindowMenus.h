@@ -13,7 +13,8 @@ namespace NSTambraGui {
 /// and Help, and Exit.
 class CWindowMenus : public QObject {
  public:
-  using OpenAddress = std::function<void(const QUrl& address)>;
+  /// False when nothing opens it.
+  using OpenAddress = std::function<bool(const QUrl& address)>;
 
   /// Menus of the text tables by their numbers, from the left. The mnemonics of the titles keep
   /// clear of the letters in `taken`. The texts and the window must outlive the menus.
@@ -22,6 +23,10 @@ class CWindowMenus : public QObject {
 
   QAction* Command(int number) const { return fCommands.at(number); }
   void Do(int number, std::function<void()> work);
+  /// Opens a page, or a file with the program that is meant for it; says so when there is none.
+  void Open(const QUrl& address);
+  /// The mnemonics of the titles.
+  const QString& Letters() const { return fLetters; }
 
  private:
   void AddEditCommands(QMenu* menu);
@@ -31,6 +36,8 @@ class CWindowMenus : public QObject {
 
   const NSTambraPacking::CTextResources& fTexts;
   QMainWindow& fWindow;
+  OpenAddress fOpenAddress;
+  QString fLetters;
   CCommands fCommands;
 };
 

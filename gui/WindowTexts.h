@@ -56,6 +56,8 @@ inline constexpr CStringNumber kTextLastRun{128, 666};
 inline constexpr CAlertNumber kAlertSaveInformation{128, 306};
 inline constexpr CAlertNumber kAlertScaleSplash{128, 307};
 inline constexpr CAlertNumber kAlertNoPicture{128, 308};
+inline constexpr CAlertNumber kAlertReplaceSplash{128, 309};
+inline constexpr CAlertNumber kAlertNotOpened{128, 310};
 
 /// The commands of the menus.
 inline constexpr int kCommandInputFolder = 101;

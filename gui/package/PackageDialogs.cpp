@@ -20,7 +20,7 @@ CPackageDialogs CPackageDialogs::OfTheDesktop() {
             dialog.exec();
             return dialog.Answer();
           },
-          [](const QUrl& address) { QDesktopServices::openUrl(address); }, TellEnd};
+          [](const QUrl& address) { return QDesktopServices::openUrl(address); }, TellEnd};
 }
 
 }  // namespace NSTambraGui
