@@ -2,6 +2,7 @@
 #include <QMenuBar>
 #include <QMimeData>
 #include <QtTest>
+#include <thread>
 
 #include "app/demo/DemoLibrary.h"
 #include "gui/AboutDialog.h"
@@ -27,7 +28,10 @@ class CTestWindow : public NSTest::CWindowUnderTest {
   CTestWindow()
       : fWindow(fTexts, {[this](QWidget*, const QString&, const QString&) { return fFolder; },
                          [this](QWidget*, const QString&, const QString&) { return fFile; },
-                         [this](const QUrl& address) { fOpened.append(address); },
+                         [this](const QUrl& address) {
+                           fOpened.append(address);
+                           return fCanOpen;
+                         },
                          [this](QWidget&, const QString& message) { fEnds.append(message); }}) {
     QObject::connect(&fTimer, &QTimer::timeout, &fWindow, [this] { AnswerAlert(); });
     fTimer.start(5);
@@ -54,6 +58,20 @@ class CTestWindow : public NSTest::CWindowUnderTest {
     return ended ? fMessages : QStringList("the run does not end");
   }
   QString State() { return fWindow.StateText(); }
+  /// Types the path of a folder and Enter.
+  CFolderChooser& Type(qsizetype chooser, const fs::path& path) {
+    auto& chosen = *fWindow.findChildren<CFolderChooser*>()[chooser];
+    auto* const line = chosen.findChild<QLineEdit*>();
+    line->selectAll();
+    QTest::keyClicks(line, PathToQt(path));
+    QTest::keyClick(line, Qt::Key_Enter);
+    return chosen;
+  }
+  bool Shows(const QString& text) {
+    return std::ranges::any_of(fWindow.findChildren<QLabel*>(), [&](const QLabel* label) {
+      return label->isVisible() && label->text() == text;
+    });
+  }
   QStringList Findings() {
     const QAbstractItemModel& model = *Find<QTreeView>(kTextFindings).model();
     QStringList rows;
@@ -68,6 +86,7 @@ class CTestWindow : public NSTest::CWindowUnderTest {
   QStringList fAnswers;
   QStringList fMessages;
   QList<QUrl> fOpened;
+  bool fCanOpen = true;
   QStringList fEnds;
   CMainWindow fWindow;
 
@@ -77,6 +96,7 @@ class CTestWindow : public NSTest::CWindowUnderTest {
     auto* const alert = qobject_cast<CAlertDialog*>(QApplication::activeModalWidget());
     if (alert == nullptr) return;
     fMessages += alert->accessibleDescription();
+    if (!FindNameless(*alert).isEmpty()) fMessages += "nameless: " + FindNameless(*alert);
     const QString answer = fAnswers.isEmpty() ? "Escape" : fAnswers.takeFirst();
     if (answer == "Escape") return QTest::keyClick(alert, Qt::Key_Escape);
     for (QCheckBox* const box : alert->findChildren<QCheckBox*>()) {
@@ -98,6 +118,7 @@ class CMainWindowTest : public QObject {
  private slots:
   void looksAtTheFolderAndAgainWhenItChanges();
   void packsAndShowsEveryEnding();
+  void tellsWhatEndsARun();
   void stopsInTheMiddle();
   void showsEveryAlertWithItsButtonsInOrder();
   void obeysEveryCommand();
@@ -124,9 +145,17 @@ void CMainWindowTest::looksAtTheFolderAndAgainWhenItChanges() {
           window.Findings()[0].startsWith("Problem|c.wav|"));
   QCOMPARE(window.Findings().filter("Problem|a/p.dp01|The reference “").size(), 1);
   library.Without("c.wav").Without("a/p.dp01").Without("NAME.TXT");
+  fs::create_directory(library.Input() / "new");
   QVERIFY(QTest::qWaitFor([&] { return window.State() == "Not ready (problems: 1)"; }, kPatience));
   QCOMPARE(window.Findings().filter("Please specify a name").size(), 1);
   QCOMPARE(window.fWindow.OutputName(), "output.tmb");
+  // A folder that was empty when it was listed; a name that turns what follows; a bad shortcut.
+  library.WithFile("NAME.TXT", "Kit").WithFile("new/\u202Ed.doc", "?");
+  QVERIFY(QTest::qWaitFor([&] { return window.State().startsWith("Ready"); }, kPatience));
+  QCOMPARE(window.Findings().filter(QStringLiteral(u"|new/\uFFFDd.doc|")).size(), 1);
+  library.WithFile("new/s.lnk", "?");
+  QVERIFY(QTest::qWaitFor([&] { return window.State() == "Not ready (problems: 1)"; }, kPatience));
+  QVERIFY(window.Findings().front().startsWith("Problem|new/s.lnk|This shortcut"));
 }
 
 void CMainWindowTest::packsAndShowsEveryEnding() {
@@ -150,6 +179,7 @@ void CMainWindowTest::packsAndShowsEveryEnding() {
   QVERIFY2(told.last().contains("packed sucessfully"), qPrintable(told.last()));
   QCOMPARE(window.fOpened.size(), 1);
   QVERIFY(window.fOpened.front().toLocalFile().contains("Kit packing log"));
+  QVERIFY(window.Shows(ToQt(window.fTexts.Text(kTextLastRun, {u"Kit", u"2"}))));
   library.WithPatch("p.dp01", {{.fRelative = "/y.wav"}});
   QVERIFY(window.Pack({"Replace", "Escape"}).last().startsWith("Problems were encountered"));
   library.Without("p.dp01").WithPatch("q.dp01", {{.fTambra = "Other", .fDatabase = "/z.wav"}});
@@ -163,6 +193,45 @@ void CMainWindowTest::packsAndShowsEveryEnding() {
   const QString yes = window.Text(kTextPacked);
   const QString no = window.Text(kTextNotPacked);
   QCOMPARE(window.fEnds, QStringList({no, yes, yes, no, no, no}));
+}
+
+void CMainWindowTest::tellsWhatEndsARun() {
+  NSTest::CLibrary library;
+  CTestWindow window;
+  window.Choose(library.Input(), library.Output());
+  window.fWindow.Command(kCommandWarnExternal)->setChecked(true);
+  // Files that refer to one Tambra and to two are one question.
+  const NSTest::CReferenceText first{.fTambra = "First", .fDatabase = "/z.wav"};
+  const NSTest::CReferenceText second{.fTambra = "Second", .fDatabase = "/z.wav"};
+  library.WithPatch("p.dp01", {first}).WithPatch("q.dp01", {first, second});
+  QStringList told = window.Pack({"Continue Anyway!", "OK"});
+  QVERIFY(told.size() == 2 && told[0].contains("p.dp01” refers to the Tambra First"));
+  library.Without("p.dp01");
+  told = window.Pack({"Replace", "Cancel", "Open Log File"});
+  QVERIFY2(told.size() == 3 && told[1].contains("refers to the Tambras First"),
+           qPrintable(told.join('\n')));
+  library.Without("q.dp01");
+  const auto ends = [&](const char* message) {
+    told = window.Pack({"OK"});
+    return told.size() == 1 && told[0].contains(message);
+  };
+  library.WithFile("s.lnk", "?");
+  QVERIFY(ends("s.lnk” cannot be resolved"));
+  library.Without("s.lnk").WithSplash("Splash.jpg", 65);
+  QVERIFY(ends("must be a JPEG with the size 64x64 pixels"));
+  library.WithSplash("Splash.jpg", 64).Without("NAME.TXT");
+  QVERIFY(ends("Please specify a name"));
+  library.WithFile("NAME.TXT", "Kit");
+  // Somebody takes the package away before it is read back, which may need some tries.
+  bool isMissed = false;
+  for (int tries = 0; tries < 50 && !isMissed; ++tries) {
+    std::jthread thief([&](const std::stop_token& stop) {
+      std::error_code gone;
+      while (!stop.stop_requested() && !fs::remove(library.Output() / "Kit.tmb", gone)) continue;
+    });
+    isMissed = ends("There was a problem with the file “Kit.tmb”");
+  }
+  QVERIFY(isMissed);
 }
 
 void CMainWindowTest::stopsInTheMiddle() {
@@ -182,6 +251,7 @@ void CMainWindowTest::stopsInTheMiddle() {
     auto* const dialog = window.fWindow.findChild<CProgressDialog*>();
     if (dialog == nullptr || dialog->findChild<QProgressBar*>()->value() < 10) return;
     if (QApplication::activeModalWidget() != dialog || refreshed++ > 0) return;
+    QCOMPARE(window.FindNameless(*dialog), QString());
     QTimer::singleShot(0, dialog, [dialog] { QTest::keyClick(dialog, Qt::Key_Escape); });
   });
   stopper.start(1);
@@ -217,6 +287,9 @@ void CMainWindowTest::showsEveryAlertWithItsButtonsInOrder() {
       QVERIFY(dialog.accessibleDescription() == ToQt(alert.fMessage));
     }
   }
+  const CAlertText longest = texts.Alert(kAlertRefersToTambras, {u"b", std::u16string(9000, u'W')});
+  const QSize size = CAlertDialog(longest, 0, "All", nullptr).sizeHint();
+  QVERIFY(size.width() < 800 && size.height() < 600);
 }
 
 void CMainWindowTest::obeysEveryCommand() {
@@ -252,10 +325,14 @@ void CMainWindowTest::obeysEveryCommand() {
   window.fWindow.Command(kCommandSupportPage)->trigger();
   QCOMPARE(window.fOpened, QList<QUrl>({QUrl(window.Text(kHomePageAddress)),
                                         QUrl(window.Text(kSupportPageAddress))}));
+  window.fCanOpen = false;
+  window.fWindow.Command(kCommandHomePage)->trigger();
+  QVERIFY(window.fMessages.last().contains("cannot be opened"));
   QTimer::singleShot(50, &window.fWindow, [&] {
     auto* const about = qobject_cast<CAboutDialog*>(QApplication::activeModalWidget());
     QVERIFY(about != nullptr);
     QCOMPARE(about->findChild<QMenu*>()->actions().size(), 2);
+    QCOMPARE(window.FindNameless(*about), QString());
     about->reject();
   });
   window.fWindow.Command(kCommandAbout)->trigger();
@@ -304,6 +381,18 @@ void CMainWindowTest::takesWhatIsDropped() {
   QCOMPARE(choosers[1]->Folder(), PathToQt(library.Folder().Path()));
   window.WaitForLook();
   QVERIFY(window.fWindow.Command(kCommandCreate)->isEnabled());
+  // Typed: a folder that is no recent one but for its case, and one that a run will make.
+  fs::create_directory(library.Folder().Path() / "IN");
+  QCOMPARE(window.Type(0, library.Folder().Path() / "IN").Folder(),
+           PathToQt(library.Folder().Path() / "IN"));
+  const fs::path made = library.Folder().Path() / "made/out";
+  window.Type(0, library.Input());
+  QCOMPARE(window.Type(1, made).Folder(), PathToQt(made));
+  window.WaitForLook();
+  QVERIFY(window.Pack({"OK"}).last().contains("packed successfully"));
+  QVERIFY(fs::exists(made / "Kit.tmb"));
+  window.Type(1, library.Input() / "inner");
+  QVERIFY2(window.State().contains("may not be the input folder"), qPrintable(window.State()));
 }
 
 void CMainWindowTest::survivesWhatHappensToTheFolder() {
@@ -334,6 +423,9 @@ void CMainWindowTest::survivesWhatHappensToTheFolder() {
 void CMainWindowTest::savesInformationAndSplash() {
   NSTest::CLibrary library;
   library.WithInfo("URL", "old").WithSplash("SPLASH.JPG", 20).Without("Splash.jpg");
+  library.WithFile("COMMENTS.TXT",
+                   "a\xA0"
+                   "b\r\nc");
   CTestWindow window;
   window.Choose(library.Input(), library.Output());
   auto& address = window.Find<QLineEdit>(kInfoAddress);
@@ -349,15 +441,28 @@ void CMainWindowTest::savesInformationAndSplash() {
   QTest::keyClicks(&address, "er");
   window.Press(kTextRevert);
   QCOMPARE(address.text(), "new");
+  QTest::keyClicks(&window.Find<QPlainTextEdit>(kTextComments), "!");
+  window.fWindow.Command(kCommandSaveInformation)->trigger();
+  QCOMPARE(library.Folder().ReadText("in/COMMENTS.TXT"), std::string("!a\xA0"
+                                                                     "b\r\nc"));
   QImage picture(200, 100, QImage::Format_RGB32);
   picture.fill(Qt::red);
   const QString file = PathToQt(library.Folder().Path() / "big.png");
   QVERIFY(picture.save(file));
-  window.fAnswers = {"Scale and Save", "OK"};
-  window.Drop(window.Find<CSplashView>(kTextSplash), PathFromQt(file));
-  QCOMPARE(ReadPicture(PathToQt(library.Input() / "SPLASH.JPG")).size(), QSize(64, 64));
-  window.Drop(window.Find<CSplashView>(kTextSplash), library.Input() / "INFO.TXT");
-  QVERIFY(window.fMessages.last().contains("INFO.TXT"));
+  library.WithSplash("../small.jpg", 64);
+  const std::pair<fs::path, const char*> drops[] = {
+      {PathFromQt(file), "The picture is 200x100 pixels. Scale it to 64x64"},
+      {library.Input() / "INFO.TXT", "“INFO.TXT” is no picture"},
+      {library.Folder().Path() / "small.jpg", "Replace the splash image “SPLASH.JPG”"}};
+  window.fAnswers = {"Scale and Save", "OK", "Replace"};
+  for (const auto& [path, message] : drops) {
+    window.Drop(window.Find<CSplashView>(kTextSplash), path);
+    QVERIFY(QTest::qWaitFor([&, told = message] { return window.fMessages.last().contains(told); },
+                            kPatience));
+    QVERIFY(QTest::qWaitFor([] { return QApplication::activeModalWidget() == nullptr; }));
+    QVERIFY(ReadPicture(PathToQt(library.Input() / "SPLASH.JPG")).HasSplashSize());
+  }
+  QCOMPARE(library.Folder().ReadText("in/SPLASH.JPG"), library.Folder().ReadText("small.jpg"));
   QVERIFY(QTest::qWaitFor([&] { return window.State().startsWith("Ready"); }, kPatience));
 }
 

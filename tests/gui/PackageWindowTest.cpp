@@ -31,7 +31,7 @@ class CTestWindow : public NSTest::CWindowUnderTest {
                            fAlerts.append(ToQt(alert.fMessage));
                            return fAnswer;
                          },
-                         [](const QUrl&) {},
+                         [](const QUrl&) { return true; },
                          [this](QWidget&, const QString& message) { fEnds.append(message); }}) {}
 
   void Open(const fs::path& path) {
@@ -233,6 +233,10 @@ void CPackageWindowTest::extractsAndAsksBeforeReplacing() {
   QVERIFY(NSTest::CPackRun::Bytes(file) == picture);
   QCOMPARE(window.fAlerts.size(), 2);
   QVERIFY(!fs::exists(fFolder.Path() / "out" / "Samples"));
+  window.fFolder = PathToQt(file);
+  press();
+  QCOMPARE(window.fAlerts.size(), 3);
+  QCOMPARE(window.fEnds.size(), 3);
 }
 
 void CPackageWindowTest::verifiesAndCompares() {
@@ -290,6 +294,8 @@ void CPackageWindowTest::obeysEveryCommand() {
     command(job)->trigger();
     QVERIFY(!command(kCommandVerify)->isEnabled());
     window.Wait();
+    if (job != kCommandExtract) continue;
+    QVERIFY(window.Results().Heading().contains("whose references lead into the Tambra"));
   }
   QCOMPARE(window.fEnds.size(), 3);
   command(kCommandFind)->trigger();

@@ -35,8 +35,9 @@ class CWindowUnderTest {
     throw std::runtime_error("no such button");
   }
   /// The class of a widget that takes keys and has no name, if there is one.
-  QString FindNameless() {
-    for (QWidget* const widget : Window().findChildren<QWidget*>()) {
+  QString FindNameless() { return FindNameless(Window()); }
+  static QString FindNameless(const QWidget& window) {
+    for (QWidget* const widget : window.findChildren<QWidget*>()) {
       if (widget->focusPolicy() == Qt::NoFocus || !widget->isVisible()) continue;
       const QAccessibleInterface* const face = QAccessible::queryAccessibleInterface(widget);
       const bool isPart = widget->inherits("QHeaderView") || widget->inherits("QSplitter") ||
