@@ -4,8 +4,8 @@
 //
 // Settings come from the environment:
 //   FAULT_FOLDER  file operations count when their path lies below this folder
-//   FAULT_KIND    EIO, ENOSPC, EACCES, EINTR, short, rename, close, memory, thread; kill, stop:
-//                 signals; trace: nothing fails
+//   FAULT_KIND    EIO, ENOSPC, EACCES, remove, EINTR, short, rename, close, memory, thread; kill,
+//                 stop: signals; trace: nothing fails
 //   FAULT_AT      the number of the call that fails, from 1; 0: none
 //   FAULT_EVER    1: all calls behind it fail, too
 //   FAULT_COUNT   a file that gets the number of calls that could have failed
@@ -24,7 +24,9 @@
 #include <execinfo.h>
 #include <fcntl.h>
 #include <pthread.h>
+#include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -44,6 +46,7 @@ enum ECall : unsigned {
   kMemory = 512,
   kList = 1024,  // the next item of a folder
   kThread = 2048,
+  kLock = 4096,
 };
 
 struct CKind {
@@ -53,14 +56,15 @@ struct CKind {
   int fSignal = 0;  ///< sent to the program instead
 };
 
-constexpr unsigned kAllFiles =
-    kOpen | kCreate | kRead | kWrite | kFlush | kClose | kRename | kRemove | kStatus | kList;
+constexpr unsigned kAllFiles = kOpen | kCreate | kRead | kWrite | kFlush | kClose | kRename |
+                               kRemove | kStatus | kList | kLock;
 constexpr unsigned kTransfer = kRead | kWrite;
 constexpr CKind kKinds[] = {
-    {"EIO", EIO, kAllFiles},
+    {"EIO", EIO, kAllFiles & ~kRemove},
     {"ENOSPC", ENOSPC, kCreate | kWrite | kFlush | kRename | kClose},
-    {"EACCES", EACCES, kOpen | kCreate | kRename | kRemove | kStatus},
-    {"EINTR", EINTR, kOpen | kTransfer | kFlush | kClose},
+    {"EACCES", EACCES, kOpen | kCreate | kRename | kStatus},
+    {"remove", EACCES, kRemove},
+    {"EINTR", EINTR, kOpen | kTransfer | kFlush | kClose | kLock},
     {"short", 0, kTransfer},
     {"rename", EPERM, kRename},
     {"close", EIO, kClose},
@@ -169,9 +173,12 @@ bool IsHit(ECall call) {
 
 bool IsShort() { return gState.fKind.fNumber == 0; }
 
+/// Whether a path lies below the folder, or stands for the program itself; there, at its very
+/// beginning, a signal has nothing to disturb.
 bool IsBelow(const char* path) {
-  return gState.fReady && gState.fFolderLength > 0 && path != nullptr &&
-         std::strncmp(path, gState.fFolder, gState.fFolderLength) == 0;
+  if (!gState.fReady || gState.fFolderLength == 0 || path == nullptr) return false;
+  return std::strncmp(path, gState.fFolder, gState.fFolderLength) == 0 ||
+         (gState.fKind.fSignal == 0 && std::strcmp(path, "/proc/self/exe") == 0);
 }
 
 bool IsWatched(int descriptor) {
@@ -331,6 +338,33 @@ int unlinkat(int folder, const char* path, int flags) {
 int mkdir(const char* path, mode_t mode) {
   static auto* const next = Next<int(const char*, mode_t)>("mkdir");
   return FailsAt(path, kCreate) ? Fail(-1) : next(path, mode);
+}
+int mkdirat(int folder, const char* path, mode_t mode) {
+  static auto* const next = Next<int(int, const char*, mode_t)>("mkdirat");
+  const bool fails = FailsAt(path, kCreate) || FailsAt(folder, kCreate, path);
+  return fails ? Fail(-1) : next(folder, path, mode);
+}
+int linkat(int fromFolder, const char* from, int toFolder, const char* to, int flags) {
+  static auto* const next = Next<int(int, const char*, int, const char*, int)>("linkat");
+  const bool fails = FailsAt(to, kCreate, from) || FailsAt(toFolder, kCreate, to);
+  return fails ? Fail(-1) : next(fromFolder, from, toFolder, to, flags);
+}
+int flock(int descriptor, int operation) {
+  static auto* const next = Next<int(int, int)>("flock");
+  return FailsAt(descriptor, kLock) ? Fail(-1) : next(descriptor, operation);
+}
+
+ssize_t readlink(const char* path, char* target, size_t length) {
+  static auto* const next = Next<ssize_t(const char*, char*, size_t)>("readlink");
+  return FailsAt(path, kStatus) ? Fail<ssize_t>(-1) : next(path, target, length);
+}
+char* realpath(const char* path, char* target) {
+  static auto* const next = Next<char*(const char*, char*)>("realpath");
+  return FailsAt(path, kStatus) ? Fail<char*>(nullptr) : next(path, target);
+}
+int statvfs(const char* path, struct statvfs* status) {
+  static auto* const next = Next<int(const char*, struct statvfs*)>("statvfs");
+  return FailsAt(path, kStatus) ? Fail(-1) : next(path, status);
 }
 
 int fstat(int descriptor, struct stat* status) {

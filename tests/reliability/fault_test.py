@@ -2,7 +2,8 @@
 """Packs a small library again and again while one operation fails: each file operation in turn with
 each kind of fault, and each allocation; once and for ever, with one thread and with two. However a
 run ends, it ends by itself with a status and an alert of its own, leaves the package whole or
-absent and nothing else, and does not touch its input."""
+absent and nothing else, and does not touch its input. Then the same for what reads a package: there
+words on standard error stand for the alert, and each file that is written for the package."""
 
 import argparse
 import collections
@@ -13,17 +14,23 @@ import sys
 import tempfile
 
 import report
-from trial import Trial, alerts_of, events_of
+from trial import CommandTrial, Trial, alerts_of, events_of
 
 # A call that is interrupted or transfers less than it was asked for is no failure at all.
 HARMLESS = ("EINTR", "short")
-KINDS = ("EIO", "ENOSPC", "EACCES", "rename", "close", "EINTR", "short", "memory", "thread")
-# What reading meets, and removing: a temporary file may stay, and the next run removes it.
-STICKING = ("EIO", "EACCES")
+KINDS = ("EIO", "ENOSPC", "EACCES", "remove", "rename", "close", "EINTR", "short", "memory", "thread")
+READING = ("EIO", "EACCES")
+# A temporary file that cannot be removed stays, and the next run removes it.
+STICKING = "remove"
 FAILED = 4
 REFUSED = 3  # a file that cannot be read is a failed entry, and the input is not packed
 FULL_DISK, NO_MEMORY = "1997:3", "1997:0"
-NO_MEMORY_TEXT = b"not enough memory is available"
+NO_MEMORY_TEXT, FULL_DISK_TEXT = b"not enough memory is available", b"No space left on device"
+ITSELF = b"/proc/self/exe"  # a program that does not find itself has no texts of alerts
+PACK = "pack"
+COMMANDS = (PACK, "verify {IN}/package --jobs {JOBS}", "extract {IN}/package {OUT}",
+            "list {IN}/package", "diff {IN}/package {IN}/package", "dump {IN}/package",
+            "dump {IN}/store", "dwop decode {IN}/stream {OUT}/sound.wav")
 
 Fault = collections.namedtuple("Fault", "kind at ever jobs")
 
@@ -36,34 +43,46 @@ def name_of(fault):
 def faults_of_alerts(fault, done):
     """What is wrong with what a failed run told."""
     alerts = alerts_of(done)
-    if not done.stderr and not done.stdout:
-        yield "failed without a word"
+    if not alerts and NO_MEMORY_TEXT not in done.stderr and ITSELF not in done.stdout:
+        yield "failed without an alert"
     if fault.kind == "memory" and NO_MEMORY not in alerts and NO_MEMORY_TEXT not in done.stderr:
         yield f"showed {alerts} rather than that memory is out"
-    if fault.kind == "ENOSPC" and not fault.ever and FULL_DISK not in alerts:
+    if fault.kind == "ENOSPC" and FULL_DISK not in alerts:
         yield f"showed {alerts} rather than that the disk is full"
     results = [event["status"] for event in events_of(done) if event.get("event") == "result"]
     if results and results[-1] != done.returncode:
         yield f"says that it ended with {results[-1]}"
 
 
+def faults_of_words(fault, done):
+    """The same for a command without alerts."""
+    if not done.stderr:
+        yield "failed without a word"
+    if fault.kind == "memory" and NO_MEMORY_TEXT not in done.stderr:
+        yield "did not say that memory is out"
+    if fault.kind == "ENOSPC" and FULL_DISK_TEXT not in done.stderr:
+        yield "did not say that the disk is full"
+
+
 def faults_of_ending(trial, fault, done):
     """What is wrong with how a run ended."""
     status = done.returncode
-    if status not in (0, 1, FAILED) and not (status == REFUSED and fault.kind in STICKING):
+    if status not in (*trial.good, FAILED) and not (status == REFUSED and fault.kind in READING):
         yield f"ended with {status}"
     if fault.kind in HARMLESS and status != trial.status:
         yield f"ended with {status} rather than {trial.status}"
-    if status == FAILED:
-        yield from faults_of_alerts(fault, done)
+    if status in (FAILED, REFUSED):
+        yield from (faults_of_alerts if trial.has_alerts else faults_of_words)(fault, done)
+    elif not trial.has_alerts and done.stdout != trial.printed:
+        yield "printed something else"
 
 
 def try_fault(trial, fault):
     """Runs once; gives what was wrong and how the run ended."""
     done = trial.run(*fault)
-    wrong = [*faults_of_ending(trial, fault, done), *trial.faults_of_files(done.returncode in (0, 1))]
+    wrong = [*faults_of_ending(trial, fault, done), *trial.faults_of_files(done.returncode in trial.good)]
     stuck = [each for each in wrong if each.startswith("left .tambra-")]
-    if stuck and (fault.ever or fault.kind in STICKING) and not list(trial.faults_of_next_run()):
+    if stuck and fault.kind == STICKING and not list(trial.faults_of_next_run()):
         wrong = [each for each in wrong if each not in stuck]
     told = done.stderr.decode(errors="replace").strip()[-1500:]
     alerts = " ".join(alerts_of(done)) or "none"
@@ -78,23 +97,28 @@ def places(count, most):
     return sorted({1 + index * (count - 1) // (most - 1) for index in range(most)})
 
 
-def plan(counted, options):
+def plan(command, counted, options):
     """Every fault to be tried."""
     work = []
     for kind, count in counted.items():
         most = options.most_allocations if kind == "memory" else options.most
-        for ever, jobs in ((False, 1), (True, 1), (False, 2)):
+        ways = [(False, 1), (True, 1)] + [(False, 2)] * (command == PACK)
+        if kind == "thread":
+            ways = [(False, 2), (True, 2)]
+        for ever, jobs in ways:
             if not (ever and kind == "EINTR"):  # no system interrupts for ever
                 work += [Fault(kind, at, ever, jobs) for at in places(count, most)]
     return work
 
 
-def run_all(options, scratch):
-    """Tries all faults, several side by side; gives the report and what was wrong."""
-    trials = [Trial(pathlib.Path(scratch) / str(number), options.program, options.faults,
-                    options.library) for number in range(options.side_by_side)]
+def run_all(command, options, scratch):
+    """Tries all faults of a command, several side by side; gives the report and what was wrong."""
+    trials = []
+    for number in range(options.side_by_side):
+        place = (pathlib.Path(scratch) / str(number), options.program, options.faults, options.library)
+        trials.append(Trial(*place) if command == PACK else CommandTrial(*place, command))
     counted = {kind: trials[0].calls(kind, 2 if kind == "thread" else 1) for kind in options.kinds}
-    work = plan(counted, options)
+    work = plan(command, counted, options)
 
     def do_share(number):
         share = work[number::len(trials)]
@@ -108,7 +132,7 @@ def run_all(options, scratch):
                 endings[ending] += 1
     runs = collections.Counter(fault.kind for fault in work)
     return {"runs": len(work), "runs_of_kind": dict(runs), "calls_that_could_fail": counted,
-            "endings": dict(endings), "faults_found": len(wrong)}, wrong
+            "endings": dict(endings), "faults_found": len(wrong)}, [f"{command}: {each}" for each in wrong]
 
 
 def main():
@@ -120,12 +144,19 @@ def main():
     parser.add_argument("--most", type=int, default=0, help="places that each kind of fault strikes")
     parser.add_argument("--most-allocations", type=int, default=0, help="the same for allocations")
     parser.add_argument("--side-by-side", type=int, default=os.cpu_count())
+    parser.add_argument("--commands", nargs="+", choices=COMMANDS, default=COMMANDS)
     options = parser.parse_args()
-    with tempfile.TemporaryDirectory(prefix="faults-") as scratch:
-        counts, wrong = run_all(options, scratch)
+    counts, faults = {}, []
+    for command in options.commands:
+        with tempfile.TemporaryDirectory(prefix="faults-") as scratch:
+            counts[command], wrong = run_all(command, options, scratch)
+        print("\n".join(wrong[:40]), flush=True)
+        faults += wrong
+    runs = [each["runs"] for each in counts.values()]
+    counts = {"runs": sum(runs), "faults_found": len(faults), **counts}
     report.add("failing calls", counts)
-    print("\n".join([*wrong[:40], *report.lines_of(counts)]))
-    sys.exit(1 if wrong or not counts["runs"] else 0)
+    print("\n".join(report.lines_of(counts)))
+    sys.exit(1 if faults or not all(runs) else 0)
 
 
 if __name__ == "__main__":

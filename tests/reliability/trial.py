@@ -5,6 +5,10 @@ import os
 import pathlib
 import shutil
 import subprocess
+import sys
+
+sys.path.append(str(pathlib.Path(__file__).resolve().parent.parent / "support"))
+from crafted import SILENCE, block_store, stream
 
 TIME_LIMIT = 60
 
@@ -35,6 +39,9 @@ def alerts_of(done):
 class Trial:
     """A copy of a library, what packing it gives, and runs that are disturbed."""
 
+    good = (0, 1)  # how a run may end that has done its work
+    has_alerts = True
+
     def __init__(self, base, program, faults, library):
         self.base, self.program, self.faults = pathlib.Path(base), program, faults
         self.input, self.output = self.base / "in", self.base / "out"
@@ -56,10 +63,12 @@ class Trial:
                        "FAULT_COUNT": str(self.base / "count") if at == 0 else "",
                        "FAULT_TRACE": str(self.trace_file) if kind == "trace" else "",
                        "LD_PRELOAD": str(self.faults) if kind else ""}
-        command = [self.program, "pack", self.input, self.output, "--json", "--replace", "--no-cache",
-                   "--jobs", jobs]
-        return subprocess.Popen(list(map(str, command)), env=environment, stdout=subprocess.PIPE,
-                                stderr=subprocess.PIPE)
+        return subprocess.Popen([str(self.program), *map(str, self.words(jobs))], env=environment,
+                                stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+
+    def words(self, jobs):
+        """What the program is told to do."""
+        return ["pack", self.input, self.output, "--json", "--replace", "--no-cache", "--jobs", jobs]
 
     def run(self, kind="", at=0, ever=False, jobs=1, keep=False):
         """Packs into an empty folder, or with `keep` beside what is there."""
@@ -73,9 +82,9 @@ class Trial:
         """How many calls of a run a kind of fault can strike."""
         done = self.run(kind, jobs=jobs)
         count = int((self.base / "count").read_text())
-        if done.returncode != self.status or count == 0:
-            raise SystemExit(f"{kind}: a run without faults ended with {done.returncode}, "
-                             f"{count} calls counted: {done.stderr.decode()}")
+        if done.returncode != self.status:
+            raise SystemExit(f"{kind}: a run without faults ended with {done.returncode}: "
+                             f"{done.stderr.decode()}")
         return count
 
     def trace(self, jobs):
@@ -105,3 +114,53 @@ class Trial:
         if done.returncode != self.status:
             yield f"the next run ended with {done.returncode}: {done.stderr.decode()}"
         yield from (f"the next run {fault}" for fault in self.faults_of_files(True))
+
+
+class CommandTrial(Trial):
+    """The same for a command that reads a package, the store or the stream in its input folder and may
+    write to its output folder."""
+
+    good = (0,)
+    has_alerts = False
+
+    def __init__(self, base, program, faults, library, command):
+        self.command = None
+        super().__init__(base, program, faults, library)
+        shutil.rmtree(self.input)
+        self.input.mkdir()
+        (self.input / "package").write_bytes(self.bytes)
+        (self.input / "store").write_bytes(block_store(stream(), stream(2, 100, (4, 5))) + bytes(112))
+        (self.input / "stream").write_bytes(SILENCE)
+        self.original = snapshot(self.input)
+        self.command = command
+        done = self.run()
+        self.status, self.printed, self.files = done.returncode, done.stdout, snapshot(self.output)
+        if self.status != 0:
+            raise SystemExit(f"{command}: {done.stderr.decode()}")
+
+    def words(self, jobs):
+        if self.command is None:
+            return super().words(jobs)
+        self.output.mkdir(exist_ok=True)
+        places = {"IN": self.input, "OUT": self.output, "JOBS": jobs}
+        return [word.format(**places) for word in self.command.split()]
+
+    def faults_of_files(self, expected):
+        """As for a run that packs: each file in the output folder is whole, and all are there when
+        that is `expected`."""
+        if snapshot(self.input) != self.original:
+            yield "changed its input"
+        left = snapshot(self.output)
+        for name, content in left.items():
+            if name not in self.files:
+                yield f"left {name}"
+            elif content != self.files[name]:
+                yield f"left {name}, which is not whole"
+        if expected and not self.files.keys() <= left.keys():
+            yield "claims files that are not there"
+
+    def faults_of_next_run(self):
+        """As for a run that packs; it replaces what the disturbed one has written."""
+        command, self.command = self.command, self.command + " --replace"
+        yield from super().faults_of_next_run()
+        self.command = command
