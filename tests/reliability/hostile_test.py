@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Hands the real program files that were made to harm it: hostile_test.py PROGRAM [WORD]. Each has a
-harmless twin, which must pass, so that nothing is refused for the wrong reason. Checked of every run:
+"""Hands the real program files that were made to harm it: hostile_test.py PROGRAM WINDOW [WORD]. WINDOW
+(shown_package) reads packages as the window does. Each file has a harmless twin, which must pass, so that nothing is refused for the wrong reason. Checked of every run:
 the exit status, that it ends soon, in memory bounded by the file's size, without a word from a
 sanitizer or a terminal's control character, and that no file appears outside the folder that it
 may write to. With WORD only the cases that have it in their name."""
@@ -12,6 +12,7 @@ import pathlib
 import re
 import resource
 import shutil
+import signal
 import struct
 import subprocess
 import sys
@@ -26,13 +27,15 @@ from crafted import (BLOCK, JPEG, NO_BLOCK, SAMPLE, SILENCE, VERSION, Entry, blo
                      package, slot, stream, u32)
 
 PROGRAM = pathlib.Path(sys.argv[1]).resolve()
-WORD = sys.argv[2] if len(sys.argv) > 2 else ""
+WINDOW = pathlib.Path(sys.argv[2]).resolve()
+WORD = sys.argv[3] if len(sys.argv) > 3 else ""
 BASE = pathlib.Path(tempfile.mkdtemp(prefix="hostile-"))
 SECONDS = 20
 # What a run may take of memory, beside what the program itself needs, for each byte of the file.
 MEGABYTES, BYTES_FOR_EACH = 24, 40
 
-PACKAGE_COMMANDS = ("info", "list", "verify --quick", "verify", "extract", "diff", "dump")
+# The window takes what the third takes: a header and an index without fault.
+PACKAGE_COMMANDS = ("info", "list", "verify --quick", "verify", "extract", "diff", "dump", "window")
 ALL_PASS, REFUSED = "0000000", "4444444"
 # A name that is not plain is read, shown and compared, but never becomes a file.
 NAME = "0000400"
@@ -44,25 +47,39 @@ class Problem(Exception):
     """What the program did wrong."""
 
 
+# Starts the program and tells how it ended and what memory it took. Started from here its greatest
+# memory would be at least that of this interpreter, which holds all the files.
+MEASURE = """import os, sys
+program = os.posix_spawn(sys.argv[2], sys.argv[2:], os.environ)
+_, status, usage = os.wait4(program, 0)
+os.write(int(sys.argv[1]), b"%d %d" % (os.waitstatus_to_exitcode(status), usage.ru_maxrss))
+"""
+
+
 def start(arguments):
-    """Exit status, standard error, seconds and greatest memory in bytes of a run."""
+    """Exit status, standard output and error, seconds and greatest memory in bytes of a run."""
     limits = lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (1 << 28, 1 << 28))
     environment = {**os.environ, "LC_ALL": "C.UTF-8",
                    "ASAN_OPTIONS": "detect_leaks=0:quarantine_size_mb=1"}
+    command = [PROGRAM, *arguments] if arguments[0] != "window" else [WINDOW, *arguments[1:]]
     begun = time.monotonic()
-    with tempfile.TemporaryFile() as output, tempfile.TemporaryFile() as errors:
-        process = subprocess.Popen([PROGRAM, *map(str, arguments)], stdin=subprocess.DEVNULL,
-                                   stdout=output, stderr=errors, env=environment, preexec_fn=limits)
-        timer = threading.Timer(SECONDS, process.kill)
-        timer.start()
-        _, status, usage = os.wait4(process.pid, 0)
-        timer.cancel()
-        process.returncode = os.waitstatus_to_exitcode(status)
+    with tempfile.TemporaryFile() as output, tempfile.TemporaryFile() as errors, \
+            tempfile.TemporaryFile() as ending:
+        measure = [sys.executable, "-ISc", MEASURE, str(ending.fileno()), *map(str, command)]
+        process = subprocess.Popen(measure, stdin=subprocess.DEVNULL, stdout=output, stderr=errors,
+                                   env=environment, preexec_fn=limits, pass_fds=[ending.fileno()],
+                                   start_new_session=True)
+        try:
+            process.wait(SECONDS)
+        except subprocess.TimeoutExpired:
+            os.killpg(process.pid, signal.SIGKILL)
+            process.wait()
         texts = []
-        for stream_ in (output, errors):
+        for stream_ in (output, errors, ending):
             stream_.seek(0)
             texts.append(stream_.read().decode(errors="surrogateescape"))
-    return process.returncode, texts, time.monotonic() - begun, usage.ru_maxrss * 1024
+    status, memory = map(int, texts.pop().split() or (-signal.SIGKILL, 0))
+    return status, texts, time.monotonic() - begun, memory * 1024
 
 
 def check_run(arguments, expected, size):
@@ -93,6 +110,8 @@ class Case:
 
     def __init__(self, name, bad, good, statuses, commands=PACKAGE_COMMANDS):
         self.name, self.files = name, (bad, good)
+        if commands == PACKAGE_COMMANDS:
+            statuses += statuses[2]
         self.statuses = (statuses, "0" * len(statuses))
         self.commands = commands
 
@@ -192,6 +211,8 @@ def structure_cases():
             ("greatest size", package(Entry(size=2**32 - 1)), INDEX),
             ("name length", package(Entry(name_length=2**32 - 1)), INDEX),
             ("name length of a sign", package(Entry(name_length=2**31)), INDEX),
+            ("names of many components", package(*(Entry(f"{i}" + "/a" * 30000) for i in range(20))),
+             INDEX),
             ("text length", package(Entry(), name_length=2**32 - 4), REFUSED),
             ("text over the file's end", package(Entry(), name_length=2**24), REFUSED),
             ("splash offset wraps", package(Entry(), splash=(2**32 - 1, 2)), INDEX),
@@ -232,23 +253,26 @@ def sample_cases():
 
 def store_cases():
     good = block_store(stream())
-    two = lambda **more: block_store(stream(), stream(2, 5, (9,)), **more)
+    # Both slots name the directory: with a right one in the other slot the store opens all the same.
+    both = {"slots": slot(2, 2) + slot(1, 2)}
+    wrong = lambda *streams, **more: block_store(*streams, **{**both, **more})
+    two = lambda **more: wrong(stream(), stream(2, 5, (9,)), **more)
     for what, bad in (
-            ("directory that follows itself", block_store(stream(), next={2: 2})),
+            ("directory that follows itself", wrong(stream(), next={2: 2})),
             ("directory in a circle", two(next={3: 2})),
-            ("directory in a circle to the first", block_store(stream(), pieces=3, next={4: 3})),
-            ("directory behind the end", block_store(stream(), next={2: 2**40}, pieces=2)),
-            ("directory number that wraps", block_store(stream(), next={2: NO_BLOCK - 1}, pieces=2)),
-            ("block behind the end", block_store(stream(blocks=(2**62,)))),
-            ("block twice", block_store(stream(length=100, blocks=(1, 1)))),
-            ("block of the directory", block_store(stream(blocks=(2,)))),
-            ("greatest length", block_store(stream(length=2**64 - 1))),
-            ("length that wraps", block_store(stream(length=2**64 - 1, count=0, blocks=()))),
-            ("greatest block count", block_store(stream(count=2**64 - 1))),
-            ("more streams than there are", block_store(stream(), count=2**32 - 1)),
-            ("streams that do not ascend", block_store(stream(2), stream(1, 0, ()))),
-            ("wrong end of a stream", block_store(stream(end=0))),
-            ("wrong end", block_store(stream(), end=0)),
+            ("directory in a circle to the first", wrong(stream(), pieces=3, next={4: 3})),
+            ("directory behind the end", wrong(stream(), next={2: 2**40}, pieces=2)),
+            ("directory number that wraps", wrong(stream(), next={2: NO_BLOCK - 1}, pieces=2)),
+            ("block behind the end", wrong(stream(blocks=(2**62,)))),
+            ("block twice", wrong(stream(length=100, blocks=(1, 1)))),
+            ("block of the directory", wrong(stream(blocks=(2,)))),
+            ("greatest length", wrong(stream(length=2**64 - 1))),
+            ("length that wraps", wrong(stream(length=2**64 - 1, count=0, blocks=()))),
+            ("greatest block count", wrong(stream(count=2**64 - 1))),
+            ("more streams than there are", wrong(stream(), count=2**32 - 1)),
+            ("streams that do not ascend", wrong(stream(2), stream(1, 0, ()))),
+            ("wrong end of a stream", wrong(stream(end=0))),
+            ("wrong end", wrong(stream(), end=0)),
             ("no right slot", block_store(stream(), slots=slot(2, 2, 1) + slot(1, 0, 1))),
             ("slots behind the end", block_store(stream(), slots=slot(2, 2**63) + slot(1, 2**60))),
             ("block size 0", block_store(stream(), size=0)),
@@ -257,14 +281,27 @@ def store_cases():
             ("no root area", block_store(stream(), root=0)),
             ("greatest root area", block_store(stream(), root=2**32 - 1)),
             ("cut root area", good[:40])):
-        # The older directory, block 0, is right unless the slots are.
-        yield Case(f"store: {what}", bad, good, "4" if opens_not(bad) else "0", ("dump",))
+        yield Case(f"store: {what}", bad, good, "4", ("dump",))
 
 
-def opens_not(content):
-    """Whether not even the older slot of a store can be used."""
-    size, root = struct.unpack(">II", content[8:16])
-    return size != BLOCK or root != 36 or content[34:52] != slot(1, 0) or len(content) < 200
+def picture(edge):
+    """A progressive picture without anything but zeros, in as few bytes as may hold its pixels."""
+    table = b"\xff\xdb\0\x43\0" + b"\1" * 64 + b"\xff\xc4\0\x14\0\1" + bytes(16)
+    frame = b"\xff\xc2\0\x0b\x08" + struct.pack(">HH", edge, edge) + b"\1\1\x11\0"
+    scan = b"\xff\xda\0\x08\1\1\0\0\0\0" + bytes(1 + edge * edge // 2000)
+    return b"\xff\xd8" + table + frame + scan + b"\xff\xd9"
+
+
+def reference(form):
+    return b'<SampleReference userFriendlyName="z" type="sample">' + form + b"</SampleReference>"
+
+
+def relative(path, steps):
+    return b"<RelativePath><Path>%s</Path><StepUp>%d</StepUp></RelativePath>" % (path, steps)
+
+
+def absolute(path):
+    return b'<AbsolutePath><Path partOfTambra="no">%s</Path></AbsolutePath>' % path
 
 
 def document_cases():
@@ -287,11 +324,17 @@ def document_cases():
             ("nested groups", "a.tallik", 26, group(20000), group(4)),
             ("group longer than its file", "a.tallik", 26, b"CAT " + u32(-1) + b"LIST", group(1)),
             ("track longer than its file", "a.mid", 10, track(2**32 - 1), track(4)),
-            ("picture without end", "a.jpg", JPEG, jpeg(65500), None))
+            ("picture without end", "a.jpg", JPEG, jpeg(65500), picture(8)),
+            ("picture of many coefficients", "a.jpg", JPEG, picture(20000), picture(8)),
+            ("many steps up", "a.vlpatch", 39, xml(reference(relative(b"/b", 2**31 - 1)) * 4000),
+             xml(reference(relative(b"/a.vlpatch", 0)) * 20)))
     for what, name, code, bad, twin in rows:
-        if twin is not None:
-            yield Case(f"document: {what}", package(Entry(name, bad, code, 0)),
-                       package(Entry(name, twin, code, 0)), "0004000")
+        yield Case(f"document: {what}", package(Entry(name, bad, code, 0)),
+                   package(Entry(name, twin, code, 0)), "0004000")
+    tree = lambda depth, path: package(
+        Entry("a/" * depth + "z"), Entry("b.vlpatch", xml(reference(absolute(path))), 39, 0))
+    yield Case("document: one name again and again", tree(500, b"/a" * 400000),
+               tree(4, b"/a" * 4000 + b"/z"), "0004000")
 
 
 def cases():
