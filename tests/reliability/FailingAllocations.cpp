@@ -1,29 +1,43 @@
-// Lets memory run out inside every parser and packer: failing_allocations FOLDER MOST. Each kind of
-// file of the demo library, written to the empty FOLDER, is verified and packed again and again
-// while the first, second, ... allocation fails, at MOST places of each (0: at all of them), once
-// or for ever. That must end with std::bad_alloc or the bytes of a run without a fault, and leave
-// no memory behind. Prints what it counted as JSON.
+// Lets memory run out inside every parser and packer: failing_allocations FOLDER PACKAGE MOST. Each
+// kind of file of the demo library, written to the empty FOLDER, is verified and packed, and
+// PACKAGE is read in every way, again and again while the first, second, ... allocation fails, at
+// MOST places of each (0: at all of them), once or for ever. That must end with std::bad_alloc or
+// the bytes of a run without a fault, and leave no memory behind. Prints what it counted as JSON.
 
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fmt/format.h>
+#include <functional>
 #include <map>
 #include <new>
 #include <string>
 #include <vector>
 
 #include "Parts/TolbrookPackage/Core/Exception.h"
+#include "Parts/TolbrookPackage/Core/Shortcut.h"
+#include "Parts/TolbrookPackage/Core/Text.h"
 
+#include "app/EntryDetails.h"
+#include "app/FileTypeNames.h"
 #include "app/FolderScan.h"
+#include "app/PackageComparison.h"
+#include "app/PackageInformation.h"
+#include "app/StructureDump.h"
 #include "app/demo/DemoLibrary.h"
 #include "filetypes/FileTypeRegistry.h"
+#include "filetypes/PackedEntryVerifier.h"
+#include "filetypes/dwop/SourceRebuilder.h"
+#include "package/BlockStore.h"
 #include "package/MemoryMedia.h"
 #include "package/PackageEntry.h"
+#include "package/PackageVerifier.h"
 #include "references/ReferenceLookup.h"
 #include "references/StandardReferenceRelocator.h"
 #include "references/StandardReferenceResolver.h"
+#include "tests/support/ShortcutBuilder.h"
 
 namespace {
 
@@ -54,7 +68,26 @@ void operator delete(void* memory, std::size_t) noexcept { operator delete(memor
 namespace {
 
 using namespace NSTambraPacking;
+using NSBigFilePackage::CBlockStore;
+using NSBigFilePackage::CMemoryMedia;
 using Bytes = std::vector<std::uint8_t>;
+
+/// Something that is done again and again; it gives the same bytes each time.
+struct CWork {
+  std::string fName;
+  std::function<Bytes()> fRun;
+  std::function<void()> fBefore = [] {};  ///< what nothing fails in
+};
+
+Bytes BytesOf(const NSBigFilePackage::IMedia& media) {
+  Bytes bytes(static_cast<std::size_t>(media.Size()));
+  ReadExactly(media, 0, bytes);
+  return bytes;
+}
+
+void Append(Bytes& bytes, std::u16string_view text) {
+  for (const char16_t unit : text) bytes.push_back(static_cast<std::uint8_t>(unit));
+}
 
 /// The files of the demo library and what looks up references among them.
 class CSubject {
@@ -83,11 +116,9 @@ class CSubject {
     CPackContext context;
     context.fPath = file.fPath;
     context.fRelocator = &fRelocator;
-    NSBigFilePackage::CMemoryMedia media;
+    CMemoryMedia media;
     CFileTypeRegistry::Instance().FindPacker(file.fItem)->Pack(file.fItem, media, context);
-    Bytes bytes(static_cast<std::size_t>(media.Size()));
-    ReadExactly(media, 0, bytes);
-    return bytes;
+    return BytesOf(media);
   }
 
  private:
@@ -99,21 +130,143 @@ class CSubject {
   CStandardReferenceRelocator fRelocator{fLookup, u"Demo", u""};
 };
 
+// What is done with a package, each in the way of one of the program's commands or windows.
+
+Bytes Verified(const NSBigFilePackage::SharedMedia& package) {
+  CPackedEntryVerifier verifier(u"Demo", nullptr, [] { return false; });
+  const auto result = CPackageVerifier(verifier, nullptr, nullptr).Verify(package, {});
+  return {static_cast<std::uint8_t>(result.fVerifiedCount),
+          static_cast<std::uint8_t>(result.fFailed.size()),
+          static_cast<std::uint8_t>(result.fBroken.size())};
+}
+
+Bytes Shown(const CTextResources& texts, const NSTolbrook::NativePath& path) {
+  const CPackageContents package(path);
+  Bytes shown;
+  for (const CDetailLine& line : DescribePackage(texts, package).fLines) Append(shown, line.fValue);
+  for (const auto& entry : package.Entries()) {
+    const CEntryDetails details = DescribeEntry(texts, package, *entry, [] { return false; });
+    for (const CDetailLine& line : details.fLines) Append(shown, line.fValue);
+    for (const CDetailItem& item : details.fItems) Append(shown, item.fText);
+    Append(shown, details.fFault);
+  }
+  return shown;
+}
+
+Bytes Extracted(const CPackageEntries& entries, const NSTolbrook::NativePath& folder) {
+  Bytes kinds;
+  const auto done = [&kinds](const CPackageEntry&, const CExtractedEntry& outcome) {
+    kinds.push_back(static_cast<std::uint8_t>(outcome.fKind));
+  };
+  CPackageExtractor(entries, folder, CPackageExtractor::EExisting::kRefuse)
+      .Extract({[](std::size_t, const CPackageEntry&) {}, done, [] {}});
+  return kinds;
+}
+
+Bytes Dumped(const CTextResources& texts, const NSBigFilePackage::SharedMedia& file) {
+  Bytes names;
+  const auto take = [&names](const CDumpField& field) {
+    names.insert(names.end(), field.fName.begin(), field.fName.end());
+    Append(names, field.fValue);
+  };
+  DumpFile(file, KindOfFile(file), texts, take, [] {});
+  return names;
+}
+
+Bytes Compared(const NSBigFilePackage::SharedMedia& package) {
+  const auto changes = ComparePackages(
+      package, package, [](const CChange&) {}, [] {});
+  return {static_cast<std::uint8_t>(changes)};
+}
+
+/// A store with items and streams over several commits, opened again.
+std::shared_ptr<CMemoryMedia> FilledStore() {
+  const auto media = std::make_shared<CMemoryMedia>();
+  const auto store = CBlockStore::Create(media, CBlockStore::ECreate::kNew, 64);
+  for (std::uint8_t number = 1; number < 5; ++number) {
+    const auto stream = store->NewStream();
+    stream->Write(0, Bytes(100 * std::size_t{number}, number));
+    const auto item = store->BeginItem();
+    item->Write(0, Bytes(20, number));
+    static_cast<void>(item->Finish());
+    store->Commit();
+    if (number == 2) store->RemoveStream(stream->Identifier());
+  }
+  const auto opened = CBlockStore::Open(media);
+  for (const std::uint32_t stream : opened->Streams()) BytesOf(*opened->OpenStream(stream));
+  return media;
+}
+
+Bytes AlertsAndMenus() {
+  const CTextResources texts;  // unpacks them, reads every table
+  Bytes shown;
+  Append(shown, texts.Alert(kAlertUnsupported, {u"A", u"B"}).fMessage);
+  for (const CMenu& menu : texts.Menus().Menus()) Append(shown, menu.fTitle);
+  return shown;
+}
+
+Bytes Informed() {
+  const auto texts = ReadPackageTexts(
+      {{u"INFO.TXT", "NAME=\"Kit\"\r\nSKIP_ITEM=\"a;b\"\r\n"}, {u"VERSION.TXT", "1.2.0"}});
+  Bytes name;
+  Append(name, texts.fInformation.OutputFileName());
+  return name;
+}
+
+/// What is left of an extraction that failed: nothing without a name, and then nothing at all.
+void Clear(const NSTolbrook::NativePath& folder) {
+  if (!std::filesystem::exists(folder)) return;
+  for (const auto& file : std::filesystem::recursive_directory_iterator(folder)) {
+    if (!file.path().filename().string().starts_with(".tambra-")) continue;
+    throw std::runtime_error("a file without a name is left");
+  }
+  std::filesystem::remove_all(folder);
+}
+
+std::vector<CWork> Readings(const NSTolbrook::NativePath& path,
+                            const NSTolbrook::NativePath& folder) {
+  static const CTextResources texts;
+  const auto media = OpenPackageFile(path).fMedia;
+  const auto entries = CPackageReader(media).ReadEntries();
+  const auto sample = std::ranges::find(entries, kSampleEntryType, &CPackageEntry::TypeCode);
+  const auto shortcut = std::make_shared<CMemoryMedia>(NSTest::MakeShortcut(u"a\\b", u"C:\\a\\b"));
+  const auto store = FilledStore();
+  std::vector<CWork> works{
+      {"verify", [=] { return Verified(media); }},
+      {"window", [=] { return Shown(texts, path); }},
+      {"extract", [=] { return Extracted(entries, folder); }, [=] { Clear(folder); }},
+      {"dump of a package", [=] { return Dumped(texts, media); }},
+      {"dump of a store", [=] { return Dumped(texts, store); }},
+      {"diff", [=] { return Compared(media); }},
+      {"block store", [] { return BytesOf(*FilledStore()); }},
+      {"texts, alerts and menus", AlertsAndMenus},
+      {"information", Informed},
+      {"shortcut", [=] { return NSTolbrook::CShortcut::Parse(*shortcut), Bytes(); }}};
+  if (sample == entries.end()) throw std::runtime_error("the package has no sample");
+  works.push_back({"decode", [stream = (*sample)->Data()] {
+                     CMemoryMedia source;
+                     RebuildSource(stream, source, [] {});
+                     return BytesOf(source);
+                   }});
+  return works;
+}
+
 struct CCounts {
-  std::size_t fKinds = 0, fAllocations = 0, fRuns = 0, fOutOfMemory = 0, fDone = 0;
+  std::size_t fWorks = 0, fAllocations = 0, fRuns = 0, fOutOfMemory = 0, fDone = 0;
 };
 
 /// Runs `work` with the allocation `at` failing; throws when that ends otherwise than it may.
-template <class Work>
-void TryFault(const Work& work, const Bytes& expected, std::size_t at, bool ever, CCounts& counts) {
+void TryFault(const CWork& work, const Bytes& expected, std::size_t at, bool ever,
+              CCounts& counts) {
   ++counts.fRuns;
+  work.fBefore();
   bool same = true;
   const std::ptrdiff_t before = gLive;
   gCount = 0;
   gFailEver = ever;
   gFailAt = at;
   try {
-    same = work() == expected;
+    same = work.fRun() == expected;
     gFailAt = 0;
     ++counts.fDone;
   } catch (const std::bad_alloc&) {
@@ -127,11 +280,13 @@ void TryFault(const Work& work, const Bytes& expected, std::size_t at, bool ever
   if (gLive != before) throw std::runtime_error(fmt::format("allocation {}: memory is left", at));
 }
 
-template <class Work>
-void TryEach(const Work& work, std::size_t most, CCounts& counts) {
-  const Bytes expected = work();  // a first run builds what is built once
+void TryEach(const CWork& work, std::size_t most, CCounts& counts) {
+  ++counts.fWorks;
+  work.fBefore();
+  const Bytes expected = work.fRun();  // a first run builds what is built once
+  work.fBefore();
   gCount = 0;
-  static_cast<void>(work());
+  static_cast<void>(work.fRun());
   const std::size_t allocations = gCount;
   counts.fAllocations += allocations;
   const std::size_t step = most == 0 ? 1 : 1 + allocations / most;
@@ -139,6 +294,7 @@ void TryEach(const Work& work, std::size_t most, CCounts& counts) {
     TryFault(work, expected, at, false, counts);
     TryFault(work, expected, at, true, counts);
   }
+  work.fBefore();
 }
 
 /// One file of each kind and extension.
@@ -152,28 +308,40 @@ std::map<std::pair<std::int32_t, std::string>, const CScannedFile*> Kinds(const 
   return kinds;
 }
 
+/// The work on each kind of file.
+std::vector<CWork> WorkOn(const CSubject& subject) {
+  std::vector<CWork> works;
+  for (const auto& [kind, file] : Kinds(subject)) {
+    const std::string name = file->fItem.Path().string();
+    works.push_back(
+        {"verify " + name, [&subject, file = file] { return subject.Verify(*file), Bytes(); }});
+    works.push_back({"pack " + name, [&subject, file = file] { return subject.Pack(*file); }});
+  }
+  return works;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 3) {
-    fmt::print(stderr, "usage: failing_allocations FOLDER MOST\n");
+  if (argc != 4) {
+    fmt::print(stderr, "usage: failing_allocations FOLDER PACKAGE MOST\n");
     return 2;
   }
   CCounts counts;
-  const CSubject subject(argv[1]);
-  for (const auto& [kind, file] : Kinds(subject)) {
-    ++counts.fKinds;
+  const NSTolbrook::NativePath folder = argv[1];
+  const CSubject subject(folder / "library");
+  std::vector<CWork> works = WorkOn(subject);
+  for (CWork& work : Readings(argv[2], folder / "extracted")) works.push_back(std::move(work));
+  for (const CWork& work : works) {
     try {
-      TryEach([&, file = file] { return subject.Verify(*file), Bytes(); }, std::stoul(argv[2]),
-              counts);
-      TryEach([&, file = file] { return subject.Pack(*file); }, std::stoul(argv[2]), counts);
+      TryEach(work, std::stoul(argv[3]), counts);
     } catch (const std::exception& e) {
-      fmt::print(stderr, "{}: {}\n", file->fItem.Path().string(), e.what());
+      fmt::print(stderr, "{}: {}\n", work.fName, e.what());
       return 1;
     }
   }
   fmt::print(
-      "{{\"kinds_of_files\": {}, \"allocations\": {}, \"runs\": {}, \"out_of_memory\": {}, "
+      "{{\"works\": {}, \"allocations\": {}, \"runs\": {}, \"out_of_memory\": {}, "
       "\"done_all_the_same\": {}}}\n",
-      counts.fKinds, counts.fAllocations, counts.fRuns, counts.fOutOfMemory, counts.fDone);
+      counts.fWorks, counts.fAllocations, counts.fRuns, counts.fOutOfMemory, counts.fDone);
 }

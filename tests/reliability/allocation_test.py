@@ -18,7 +18,8 @@ def main():
     parser.add_argument("--most", type=int, default=0, help="places in the work on a file; 0: all")
     options = parser.parse_args()
     with tempfile.TemporaryDirectory(prefix="allocations-") as scratch:
-        done = subprocess.run([options.program, pathlib.Path(scratch) / "library", str(options.most)],
+        package = report.ROOT / "tests/data/libraries/small/expected.tmb"
+        done = subprocess.run([options.program, scratch, package, str(options.most)],
                               stdout=subprocess.PIPE, text=True, check=False)
     counts = json.loads(done.stdout) if done.returncode == 0 else {}
     counts["faults_found"] = int(done.returncode != 0)
