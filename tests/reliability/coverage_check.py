@@ -18,7 +18,7 @@ EVERY_BRANCH = [f"package/{name}" for name in (
     "PackageIndex.cpp", "PackageReader.cpp")]
 TESTS = [f"{pathlib.Path(folder).name.lower()}_tests" for folder in FOLDERS]
 # Those that run the program go through much of app that no other test does.
-PROGRAMS = ["tambra", "lqx_standin"]
+PROGRAMS = ["tambra", "shown_package", "lqx_standin"]
 RUN = "^(core|package|references|codecs|filetypes|app|command_line|cache|advice|hostile_files)$"
 
 
