@@ -91,6 +91,35 @@ TEST_F(BlockStoreTest, ADamagedSlotFallsBackToTheOther) {
   }
 }
 
+TEST_F(BlockStoreTest, AFailureToReadIsNotTakenForADamagedSlot) {
+  fStore->NewStream()->Write(0, RandomBytes(300, 1));
+  fStore->Commit();
+  bool failed = true;
+  for (std::uint64_t operation = 0; failed; ++operation) {
+    const auto media = std::make_shared<NSTest::CFailingMedia>(fMedia);
+    media->FailAfter<NSMordel::XRead>(operation, false);
+    try {
+      EXPECT_EQ(CBlockStore::Open(media)->Generation(), 2u) << operation;
+    } catch (const NSMordel::XRead&) {
+      EXPECT_TRUE(media->HasFailed());
+      continue;
+    }
+    failed = media->HasFailed();
+    EXPECT_FALSE(failed) << operation;
+    EXPECT_GT(operation, 3u);
+  }
+}
+
+TEST_F(BlockStoreTest, SmallItemsGoOnInANewStreamWhenTheirsIsRemoved) {
+  for (const std::uint32_t expected : {1u, 2u}) {
+    const auto item = fStore->BeginItem();
+    item->Write(0, Bytes(5, 1));
+    EXPECT_EQ(ReadAll(*item->Finish()), Bytes(5, 1));
+    EXPECT_EQ(fStore->Streams(), std::vector{expected});
+    fStore->RemoveStream(expected);
+  }
+}
+
 TEST_F(BlockStoreTest, TheLastGenerationCannotBeFollowed) {
   CBlockFile::Open(fMedia).WriteRootSlot(1, {0xFFFFFFFFFFFFFFFF, 0});
   EXPECT_THROW(CBlockStore::Open(fMedia)->Commit(), NSMordel::XOutOfItems);

@@ -93,6 +93,12 @@ TEST(PackageReaderTest, HostilePackagesAreRefusedBeforeMemoryIsTaken) {
        "\"Bank\" has 2 bytes at offset 4294967295"},
       {[](CParts& p) { p.fIndex[0].fOffset = p.fIndex[0].fSize = 0xFFFFFFFF; },
        "\"Beat.mid\" has 4294967295 bytes at offset 4294967295"},
+      {[](CParts& p) {
+         p.fIndex.assign(kGreatestSharing + 1, {u"Beat.mid", 10, 0, 6});
+         p.fHeader.fFileCount = kGreatestSharing + 1;
+         p.fHeader.fDataStart = 0x2C + (kGreatestSharing + 1) * 22;
+       },
+       "the package's entries have 102 bytes"},
       {[](CParts& p) { p.fHeader.fSplashOffset = 5; }, "\"splash\" has 2 bytes at offset 5"},
       {[](CParts& p) {
          p.fHeader.fDataStart = 0x2C;
