@@ -102,6 +102,8 @@ def plan(command, counted, options):
     work = []
     for kind, count in counted.items():
         most = options.most_allocations if kind == "memory" else options.most
+        if most and command != PACK:
+            most = max(2, most // 4)  # for each of many commands
         ways = [(False, 1), (True, 1)] + [(False, 2)] * (command == PACK)
         if kind == "thread":
             ways = [(False, 2), (True, 2)]
