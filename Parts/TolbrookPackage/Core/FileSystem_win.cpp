@@ -80,15 +80,19 @@ NativePath NativeFromText(std::u16string_view text) {
 }
 
 std::vector<CFolderItem> ListFolder(const NativePath& folder) {
+  std::wstring pattern = ExtendedPath(folder);
+  if (!pattern.ends_with(L'\\')) pattern += L'\\';  // a drive's path ends with one
+  pattern += L'*';
   WIN32_FIND_DATAW found{};
-  const auto fail = [&folder] {
-    ThrowFileFailure<NSMordel::XOpen>("cannot read the folder", folder,
-                                      WindowsFailure(::GetLastError()), kFolderObject);
-  };
   const HANDLE search =
-      ::FindFirstFileExW((ExtendedPath(folder) + L"\\*").c_str(), FindExInfoBasic, &found,
-                         FindExSearchNameMatch, nullptr, FIND_FIRST_EX_LARGE_FETCH);
-  if (search == INVALID_HANDLE_VALUE) fail();
+      ::FindFirstFileExW(pattern.c_str(), FindExInfoBasic, &found, FindExSearchNameMatch, nullptr,
+                         FIND_FIRST_EX_LARGE_FETCH);
+  if (search == INVALID_HANDLE_VALUE) {
+    const DWORD number = ::GetLastError();
+    if (number == ERROR_FILE_NOT_FOUND) return {};  // an empty drive: it has no "." and ".."
+    ThrowFileFailure<NSMordel::XOpen>("cannot read the folder", folder, WindowsFailure(number),
+                                      kFolderObject);
+  }
   const auto close = [](HANDLE* open) { ::FindClose(*open); };
   HANDLE owned = search;
   const std::unique_ptr<HANDLE, decltype(close)> closer(&owned, close);
@@ -198,7 +202,8 @@ NativePath UserCacheFolder() {
   std::wstring path(kLongestPath, L'\0');
   const DWORD length = ::GetEnvironmentVariableW(L"LOCALAPPDATA", path.data(), kLongestPath);
   path.resize(length < kLongestPath ? length : 0);
-  if (NativePath folder(path); folder.is_absolute()) return folder;
+  // A path of the network is none with a drive.
+  if (NativePath folder(path); folder.is_absolute() || path.starts_with(L"\\\\")) return folder;
   throw NSMordel::XNotFound("LOCALAPPDATA names no folder");
 }
 

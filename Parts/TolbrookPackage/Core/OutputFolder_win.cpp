@@ -62,7 +62,10 @@ class CHeldPath {
       fEnd /= NativeFromText(components[i]);
       if (missing == EMissing::kMake) MakeFolder(fEnd);
       fHeld.emplace_back(fEnd, false);
-      if (!fHeld.back().IsHeld()) return;
+      if (fHeld.back().IsHeld()) continue;
+      if (missing == EMissing::kLeave) return;
+      ThrowFileRefusal<NSMordel::XNotFound>("cannot open the folder: it was taken away", fEnd,
+                                            kFolderObject);
     }
     fIsWhole = true;
     fEnd /= NativeFromText(components.back());
@@ -99,6 +102,8 @@ class COutputFile final : public IOutputFile {
       } catch (const NSMordel::XAlreadyExists&) {
         continue;  // left by an earlier process of the same number
       }
+      // Tells the file from one that a killed run left; who holds it takes it for such a one.
+      if (!fFile.TryLock()) fFile = CFile();
     }
   }
   ~COutputFile() override {
@@ -118,7 +123,6 @@ class COutputFile final : public IOutputFile {
   void Flush() override { fFile.Flush(); }
 
   void CommitAs(const std::vector<std::u16string>& components, EExisting existing) override {
-    fFile.Close();
     const CHeldPath target(fFolder, components, EMissing::kMake);
     if (existing == EExisting::kReplace) CheckReplaceable(target.End());
     const ERenameOver over =
@@ -128,6 +132,7 @@ class COutputFile final : public IOutputFile {
                                          WindowsFailure(::GetLastError()));
     }
     fCommitted = true;
+    fFile.Close();  // not before: without its lock it is a leftover to others
   }
 
  private:

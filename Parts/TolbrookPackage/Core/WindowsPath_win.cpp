@@ -1,5 +1,6 @@
 #include "Parts/TolbrookPackage/Core/WindowsPath_win.h"
 
+#include <algorithm>
 #include <array>
 #include <string_view>
 
@@ -15,6 +16,9 @@ EFailure FailureKind(DWORD number) {
     case ERROR_PATH_NOT_FOUND:
     case ERROR_INVALID_DRIVE:
     case ERROR_INVALID_NAME:
+    case ERROR_BAD_PATHNAME:
+    case ERROR_BAD_NETPATH:
+    case ERROR_BAD_NET_NAME:
       return EFailure::kNotFound;
     case ERROR_ACCESS_DENIED:
     case ERROR_PRIVILEGE_NOT_HELD:
@@ -27,9 +31,12 @@ EFailure FailureKind(DWORD number) {
       return EFailure::kOutOfSpace;
     case ERROR_NOT_ENOUGH_MEMORY:
     case ERROR_OUTOFMEMORY:
+    case ERROR_COMMITMENT_LIMIT:
       return EFailure::kOutOfMemory;
     case ERROR_SHARING_VIOLATION:
     case ERROR_LOCK_VIOLATION:
+    case ERROR_USER_MAPPED_FILE:
+    case ERROR_DELETE_PENDING:
     case ERROR_BUSY:
       return EFailure::kLocked;
     case ERROR_TOO_MANY_OPEN_FILES:
@@ -48,6 +55,8 @@ EFailure FailureKind(DWORD number) {
 constexpr std::wstring_view kLocalPrefix = L"\\\\?\\";
 constexpr std::wstring_view kNetworkPrefix = L"\\\\?\\UNC\\";
 constexpr std::wstring_view kDevicePrefix = L"\\\\.\\";
+/// Behind the prefix: "C:", which without a separator is the whole volume rather than a folder.
+constexpr std::size_t kDriveSize = 2;
 
 /// The system's words in the user's language, without the line's end.
 std::string ReasonOf(DWORD number) {
@@ -82,21 +91,37 @@ std::wstring NormalPath(const NativePath& path) {
   return normal.native();
 }
 
+bool IsSeparator(wchar_t unit) { return unit == L'\\' || unit == L'/'; }
+
 bool IsNetworkPath(const std::wstring& path) {
-  constexpr std::wstring_view kSeparators = L"\\/";
-  return path.size() > 2 && kSeparators.find(path[0]) != kSeparators.npos &&
-         kSeparators.find(path[1]) != kSeparators.npos;
+  return path.size() > 2 && IsSeparator(path[0]) && IsSeparator(path[1]);
+}
+
+/// How much of an absolute path no ".." takes away: the drive, or a server and what it shares.
+std::size_t RootSize(const std::wstring& path) {
+  if (!IsNetworkPath(path)) return NativePath(path).root_name().native().size();
+  constexpr const wchar_t* kSeparators = L"\\/";
+  const std::size_t share = path.find_first_of(kSeparators, 2);
+  return std::min(share == path.npos ? share : path.find_first_of(kSeparators, share + 1),
+                  path.size());
+}
+
+/// As NormalPath, of an absolute path. The standard library takes a server for a folder, and would
+/// take one of its separators away.
+std::wstring NormalAbsolutePath(const std::wstring& path) {
+  const std::size_t size = RootSize(path);
+  const std::wstring root = NativePath(path.substr(0, size)).make_preferred().native();
+  const std::wstring below = size == path.size() ? L"\\" : NormalPath(path.substr(size));
+  return IsNetworkPath(root) && below == L"\\" ? root : root + below;
 }
 
 /// As FullPath, but with every name as it stands.
 std::wstring AbsolutePath(const NativePath& path) {
-  // The standard library takes a server for a folder, and would take one separator away.
-  if (IsNetworkPath(path.native())) return L"\\\\" + NormalPath(path.native().substr(2));
-  if (path.is_absolute()) return NormalPath(path);
+  if (path.is_absolute() || IsNetworkPath(path.native())) return NormalAbsolutePath(path.native());
   // The folder from which the system would start: a drive has one of its own.
-  const NativePath start = FullPath(path.has_root_name() ? path.root_name().native() : L".");
-  if (path.has_root_directory()) return NormalPath(start.root_path() / path.relative_path());
-  return NormalPath(start / path.relative_path());
+  std::wstring start = PlainPath(FullPath(path.has_root_name() ? path.root_name().native() : L"."));
+  if (path.has_root_directory()) start.resize(RootSize(start));
+  return NormalAbsolutePath(start + L'\\' + path.relative_path().native());
 }
 
 }  // namespace
@@ -107,6 +132,10 @@ CSystemFailure WindowsFailure(DWORD number) {
 
 std::wstring ExtendedPath(const NativePath& path) {
   const std::wstring& given = path.native();
+  if (given.starts_with(kLocalPrefix) && given.size() == kLocalPrefix.size() + kDriveSize &&
+      given.back() == L':') {
+    return given + L'\\';
+  }
   if (given.starts_with(kLocalPrefix) || given.starts_with(kDevicePrefix)) return given;
   if (!path.has_parent_path()) {
     const std::wstring full = FullPath(given);
