@@ -26,14 +26,14 @@ NativePath NormalPath(const NativePath& path) {
 
 /// The canonical form of a path whose last components may not exist yet.
 NativePath FutureCanonicalPath(const NativePath& path) {
-  NativePath existing = NormalPath(std::filesystem::absolute(path));
+  NativePath existing = NormalPath(path);
   NativePath missing;
-  while (NSTolbrook::FileStatus(existing, true).fKind == EFileKind::kMissing &&
-         existing.has_relative_path()) {
+  while (existing.has_relative_path() &&
+         NSTolbrook::FileStatus(existing, true).fKind == EFileKind::kMissing) {
     missing = existing.filename() / missing;
     existing = existing.parent_path();
   }
-  const NativePath found = NSTolbrook::CanonicalPath(existing);
+  const NativePath found = NSTolbrook::CanonicalPath(existing.empty() ? "." : existing);
   return missing.empty() ? found : NormalPath(found / missing);
 }
 

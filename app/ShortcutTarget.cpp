@@ -23,7 +23,9 @@ bool Exists(const NativePath& path) {
 
 /// The item of `folder` with this name in whatever case; nothing when there is none.
 std::optional<NativePath> FindInFolder(const NativePath& folder, std::u16string_view name) {
-  const NativePath exact = folder / NSTolbrook::NativeFromText(name);
+  const NativePath native = NSTolbrook::NativeFromText(name);
+  if (native.has_root_name()) return std::nullopt;  // a drive, which no folder holds
+  const NativePath exact = folder / native;
   if (Exists(exact)) return exact;
   if (NSTolbrook::FileStatus(folder, true).fKind != EFileKind::kFolder) return std::nullopt;
   const std::u16string key = NSTolbrook::ComparisonKey(name);
@@ -56,18 +58,31 @@ std::optional<NativePath> Follow(NativePath place, std::u16string_view path) {
   return place;
 }
 
+/// As Follow; what the user may not look at, or lies on a drive without a disk, leads nowhere.
+std::optional<NativePath> FollowAsFarAsSeen(const NativePath& place, std::u16string_view path) {
+  try {
+    return Follow(place, path);
+  } catch (const NSMordel::XPermission&) {
+    return std::nullopt;
+  } catch (const NSMordel::XNotReady&) {
+    return std::nullopt;
+  } catch (const NSMordel::XOpen&) {
+    return std::nullopt;
+  }
+}
+
 std::optional<NativePath> FollowShortcut(const NativePath& shortcut) {
   const auto file = NSBigFilePackage::CStdioMedia::OpenForReading(shortcut);
   const auto content = NSTolbrook::CShortcut::Parse(*file);
   if (!content.RelativePath().empty()) {
     const NativePath folder = NSTolbrook::CanonicalPath(shortcut.parent_path());
-    if (auto target = Follow(folder, content.RelativePath())) return target;
+    if (auto target = FollowAsFarAsSeen(folder, content.RelativePath())) return target;
   }
   if (content.LocalBasePath().empty()) return std::nullopt;
   const NativePath base = NSTolbrook::NativeFromText(content.LocalBasePath());
   if (!base.is_absolute()) return std::nullopt;
   const auto below = NSTolbrook::TextFromNative(base.relative_path());
-  return below ? Follow(base.root_path(), *below) : std::nullopt;
+  return below ? FollowAsFarAsSeen(base.root_path(), *below) : std::nullopt;
 }
 
 }  // namespace
