@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <utf8proc.h>
@@ -34,7 +33,7 @@ bool IsSet(const char* variable) {
 bool IsScreen(EStandardStream stream) {
   const char* const terminal = std::getenv("TERM");
   const bool isDumb = terminal != nullptr && std::string_view(terminal) == "dumb";
-  return IsTerminal(stream) && !isDumb;
+  return TakesEscapes(stream) && !isDumb;
 }
 
 bool HasColours(EStandardStream stream) { return IsScreen(stream) && !IsSet("NO_COLOR"); }
@@ -106,7 +105,7 @@ void CConsole::PrintJson(const CJson& value) const {
 }
 
 void CConsole::Flush() const {
-  if (std::fflush(stdout) != 0) ThrowWriteFault();
+  if (!FlushText()) ThrowWriteFault();
 }
 
 void CConsole::Note(std::string_view line) const {

@@ -1,4 +1,5 @@
 #include <atomic>
+#include <mutex>
 #include <windows.h>
 
 #include "app/TambraPackProgress.h"
@@ -14,7 +15,19 @@ namespace {
 constexpr DWORD kCloseMilliseconds = 5000;
 
 std::atomic<bool> gRequested = false;
-std::atomic<NSTambraPacking::CTambraPackProgress*> gProgress = nullptr;
+/// The handler's thread may still be at work when the signal is given up.
+std::mutex gProgressMutex;
+NSTambraPacking::CTambraPackProgress* gProgress = nullptr;
+
+void SetProgress(NSTambraPacking::CTambraPackProgress* progress) {
+  const std::scoped_lock lock(gProgressMutex);
+  gProgress = progress;
+}
+
+void TellProgress() {
+  const std::scoped_lock lock(gProgressMutex);
+  if (gProgress != nullptr) gProgress->RequestStop();
+}
 
 /// In milliseconds since the system's start; 0 before the first interrupt.
 std::atomic<ULONGLONG> gFirst = 0;
@@ -31,7 +44,7 @@ BOOL WINAPI Note(DWORD event) {
   } else {
     gFirst = now;
   }
-  if (auto* const progress = gProgress.load()) progress->RequestStop();
+  TellProgress();
   // Meanwhile the program removes what it has begun, and ends.
   if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) Sleep(kCloseMilliseconds);
   return TRUE;
@@ -40,7 +53,7 @@ BOOL WINAPI Note(DWORD event) {
 }  // namespace
 
 CStopSignal::CStopSignal(NSTambraPacking::CTambraPackProgress* progress) {
-  gProgress = progress;
+  SetProgress(progress);
   gFirst = 0;
   gRequested = false;
   SetConsoleCtrlHandler(Note, TRUE);
@@ -48,7 +61,7 @@ CStopSignal::CStopSignal(NSTambraPacking::CTambraPackProgress* progress) {
 
 CStopSignal::~CStopSignal() {
   SetConsoleCtrlHandler(Note, FALSE);
-  gProgress = nullptr;
+  SetProgress(nullptr);
 }
 
 bool CStopSignal::Requested() { return gRequested; }

@@ -26,6 +26,8 @@ bool IsTerminal(EStandardStream stream) {
   return false;
 }
 
+bool TakesEscapes(EStandardStream stream) { return IsTerminal(stream); }
+
 int TerminalWidth() {
   winsize size{};
   if (ioctl(STDERR_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) return kUsualWidth;
@@ -56,6 +58,8 @@ bool WriteText(EStandardStream stream, std::string_view text) {
   std::FILE* const file = stream == EStandardStream::kOutput ? stdout : stderr;
   return std::fwrite(text.data(), 1, text.size(), file) == text.size();
 }
+
+bool FlushText() { return std::fflush(stdout) == 0; }
 
 void PrepareConsole() {
   signal(SIGPIPE, SIG_IGN);

@@ -62,6 +62,14 @@ bool WriteToConsole(HANDLE console, std::string_view text) {
   return true;
 }
 
+/// What the C library says of a piece of text. It takes a pipe that nobody reads for an invalid
+/// argument.
+bool IsWritten(bool written) {
+  const bool isClosedPipe = _doserrno == ERROR_NO_DATA || _doserrno == ERROR_PIPE_NOT_CONNECTED;
+  if (!written && isClosedPipe) errno = EPIPE;
+  return written;
+}
+
 /// A line as it was typed, with its end; nothing at the end of the input and when it was broken
 /// off.
 std::optional<std::wstring> ReadConsoleLine(HANDLE console) {
@@ -96,6 +104,13 @@ bool IsTerminal(EStandardStream stream) {
   return GetConsoleMode(HandleOf(stream), &mode) != 0;
 }
 
+bool TakesEscapes(EStandardStream stream) {
+  // An old console does not let it be switched on.
+  DWORD mode = 0;
+  return GetConsoleMode(HandleOf(stream), &mode) != 0 &&
+         (mode & ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
+}
+
 int TerminalWidth() {
   CONSOLE_SCREEN_BUFFER_INFO info{};
   if (!GetConsoleScreenBufferInfo(HandleOf(EStandardStream::kError), &info)) return kUsualWidth;
@@ -122,8 +137,10 @@ std::optional<std::string> ReadLine(const std::function<bool()>& stopRequested) 
 bool WriteText(EStandardStream stream, std::string_view text) {
   if (IsTerminal(stream)) return WriteToConsole(HandleOf(stream), text);
   std::FILE* const file = stream == EStandardStream::kOutput ? stdout : stderr;
-  return std::fwrite(text.data(), 1, text.size(), file) == text.size();
+  return IsWritten(std::fwrite(text.data(), 1, text.size(), file) == text.size());
 }
+
+bool FlushText() { return IsWritten(std::fflush(stdout) == 0); }
 
 void PrepareConsole() {
   // A line ends with one character on every system.
