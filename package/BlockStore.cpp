@@ -63,6 +63,9 @@ CBlockStore::CBlockStore(CBlockFile file, CState state)
       fCommittedBlocks(std::move(state.fCommitted)) {
   if (!fListed.empty()) fNextIdentifier = std::uint64_t{fListed.rbegin()->first} + 1;
   fAllocator = AllocatorFor(fCommittedBlocks, state.fPrevious);
+  // With g++ for Windows a shared mutex is made at its first use, where it does not keep out a
+  // second thread: the first use is here, where there is none.
+  const std::scoped_lock lock(fMutex);
 }
 
 std::shared_ptr<CBlockStore> CBlockStore::Create(SharedMedia media, ECreate mode,
