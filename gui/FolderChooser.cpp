@@ -61,7 +61,7 @@ void CFolderChooser::TakeTyped() {
 void CFolderChooser::SetFolder(const QString& folder) {
   fFolder = QDir::fromNativeSeparators(folder);
   QStringList recent = Recent();
-  if (!fFolder.isEmpty()) {
+  if (QFileInfo(fFolder).isDir()) {  // what is not there may have been a slip of the fingers
     recent.removeAll(fFolder);
     recent.prepend(fFolder);
   }

@@ -22,7 +22,7 @@ class CFolderChooser : public QWidget {
 
   /// Empty when none is chosen.
   QString Folder() const { return fFolder; }
-  /// Chooses the folder and puts it first among the recent ones; tells nobody.
+  /// Chooses the folder and, if it is there, puts it first among the recent ones; tells nobody.
   void SetFolder(const QString& folder);
   QStringList Recent() const;
   void SetRecent(const QStringList& folders);
