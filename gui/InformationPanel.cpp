@@ -71,7 +71,6 @@ CInformationPanel::CInformationPanel(const CTextResources& texts, const QString&
   // Four lines: the room belongs to what is in the folder.
   fComments->setFixedHeight(fComments->fontMetrics().lineSpacing() * 4 +
                             2 * (fComments->frameWidth() + 5));
-  setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum);
   fOptions->setWordWrap(true);
   fOptions->setTextFormat(Qt::PlainText);
   auto* const options = new QLabel(Text(kTextOptions));

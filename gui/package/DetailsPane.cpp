@@ -67,7 +67,7 @@ CDetailsPane::CDetailsPane(const NSTambraPacking::CTextResources& texts, QWidget
   setWidgetResizable(true);
   setFrameShape(QFrame::NoFrame);
   setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-  setMinimumWidth(45 * fontMetrics().averageCharWidth());
+  setMinimumWidth(30 * fontMetrics().averageCharWidth());
   auto* const content = new QWidget(this);
   auto* const layout = new QVBoxLayout(content);
   fTitle = NewLabel(content);

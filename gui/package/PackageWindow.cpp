@@ -86,10 +86,12 @@ QWidget* CPackageWindow::BuildBar() {
   fFilter->setPlaceholderText(Text(kPackageFilter));
   fFilter->setAccessibleName(Text(kPackageFilter));
   fFilter->setClearButtonEnabled(true);
+  fFilter->setMinimumWidth(16 * fontMetrics().averageCharWidth());
   fTypes = new QComboBox(bar);
   fTypes->setAccessibleName(Text(kFilterByType));
   fTypes->setToolTip(Text(kFilterByType));
-  fTypes->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+  fTypes->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+  fTypes->setMinimumContentsLength(14);
   const auto button = [&](CStringNumber label, CStringNumber hint) {
     auto* const made = new QPushButton(Text(label), bar);
     made->setToolTip(Text(hint));
