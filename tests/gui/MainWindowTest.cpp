@@ -25,8 +25,9 @@ using NSTest::kPatience;
 /// A main window whose dialogs are answered by the test: alerts by the label of a button, in order.
 class CTestWindow : public NSTest::CWindowUnderTest {
  public:
-  CTestWindow()
-      : fWindow(fTexts, {[this](QWidget*, const QString&, const QString&) { return fFolder; },
+  explicit CTestWindow(const std::vector<fs::path>& texts = {})
+      : CWindowUnderTest(texts),
+        fWindow(fTexts, {[this](QWidget*, const QString&, const QString&) { return fFolder; },
                          [this](QWidget*, const QString&, const QString&) { return fFile; },
                          [this](const QUrl& address) {
                            fOpened.append(address);
@@ -119,6 +120,7 @@ class CMainWindowTest : public QObject {
   void looksAtTheFolderAndAgainWhenItChanges();
   void packsAndShowsEveryEnding();
   void tellsWhatEndsARun();
+  void survivesMissingTexts();
   void stopsInTheMiddle();
   void showsEveryAlertWithItsButtonsInOrder();
   void obeysEveryCommand();
@@ -232,6 +234,14 @@ void CMainWindowTest::tellsWhatEndsARun() {
     isMissed = ends("There was a problem with the file “Kit.tmb”");
   }
   QVERIFY(isMissed);
+}
+
+void CMainWindowTest::survivesMissingTexts() {
+  NSTest::CLibrary library;
+  library.WithFile("../texts/SALR/128.txt", "4\t{[STOP]?[OK]}\r\n").Without("Splash.jpg");
+  CTestWindow window({library.Folder().Path() / "texts"});
+  window.Choose(library.Input(), library.Output());
+  QCOMPARE(window.Pack({"OK"}).size(), 1);
 }
 
 void CMainWindowTest::stopsInTheMiddle() {

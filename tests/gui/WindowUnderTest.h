@@ -17,6 +17,8 @@ constexpr int kPatience = 20000;  // milliseconds; only what hangs takes so long
 /// A window, and what a user or a program for blind users finds in it.
 class CWindowUnderTest {
  public:
+  /// With the text tables of these folders in place of the program's own.
+  explicit CWindowUnderTest(const std::vector<std::filesystem::path>& texts = {}) : fTexts(texts) {}
   QString Text(NSTambraPacking::CStringNumber number) const {
     return NSTambraGui::ToQt(fTexts.Text(number));
   }
