@@ -1,4 +1,5 @@
 ; The installer of the command line for one user: makensis -DVERSION=... -DFOLDER=... -DOUTPUT=...
+; -DREMOVAL=..., a file with the commands that remove what is in FOLDER.
 Unicode true
 Target amd64-unicode
 SetCompressor /SOLID lzma
@@ -34,10 +35,7 @@ SectionEnd
 
 Section "Uninstall"
   ; Only what was installed: the folder may hold files of the user's.
-  Delete "$INSTDIR\tambra.exe"
-  Delete "$INSTDIR\README.md"
-  RMDir /r "$INSTDIR\docs"
-  RMDir /r "$INSTDIR\resources"
+  !include "${REMOVAL}"
   Delete "$INSTDIR\uninstall.exe"
   RMDir "$INSTDIR"
   DeleteRegKey HKCU "Software\Microsoft\Windows\CurrentVersion\App Paths\tambra.exe"
