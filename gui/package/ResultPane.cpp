@@ -57,25 +57,9 @@ void CResultPane::Begin(const QString& heading) {
   fModel->removeRows(0, fModel->rowCount());
   // Without lines it takes no more room than its heading.
   fList->hide();
-  SetHeading(heading);
-  show();
-}
-
-void CResultPane::SetHeading(const QString& heading) {
+  setMaximumHeight(3 * fontMetrics().height());
   fHeading->setText(heading);
-  Fit();
-}
-
-void CResultPane::resizeEvent(QResizeEvent* event) {
-  QWidget::resizeEvent(event);
-  Fit();
-}
-
-/// A splitter would give a heading of several lines the room of one.
-void CResultPane::Fit() {
-  fHeading->setMinimumHeight(fHeading->heightForWidth(fHeading->width()));
-  if (!fList->isHidden()) return;
-  setMaximumHeight(qMax(3 * fontMetrics().height(), fHeading->minimumHeight()));
+  show();
 }
 
 void CResultPane::Add(const std::vector<CResultLine>& lines) {

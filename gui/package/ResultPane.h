@@ -29,17 +29,13 @@ class CResultPane : public QWidget {
   /// Shows the pane without lines.
   void Begin(const QString& heading);
   void Add(const std::vector<CResultLine>& lines);
-  void SetHeading(const QString& heading);
+  void SetHeading(const QString& heading) { fHeading->setText(heading); }
   QString Heading() const { return fHeading->text(); }
 
  signals:
   void Followed(const QString& path);
 
- protected:
-  void resizeEvent(QResizeEvent* event) override;
-
  private:
-  void Fit();
   void Follow(const QModelIndex& index);
 
   QLabel* fHeading;
