@@ -6,12 +6,10 @@
 
 #include "app/demo/DemoLibrary.h"
 #include "gui/AboutDialog.h"
-#include "gui/AlertDialog.h"
-#include "gui/MainWindow.h"
 #include "gui/SplashFile.h"
 #include "gui/WindowTexts.h"
 #include "gui/package/PackageWindow.h"
-#include "tests/gui/WindowUnderTest.h"
+#include "tests/gui/MainWindowUnderTest.h"
 #include "tests/support/Library.h"
 
 namespace {
@@ -21,97 +19,7 @@ using namespace NSTambraPacking;
 namespace fs = std::filesystem;
 
 using NSTest::kPatience;
-
-/// A main window whose dialogs are answered by the test: alerts by the label of a button, in order.
-class CTestWindow : public NSTest::CWindowUnderTest {
- public:
-  explicit CTestWindow(const std::vector<fs::path>& texts = {})
-      : CWindowUnderTest(texts),
-        fWindow(fTexts, {[this](QWidget*, const QString&, const QString&) { return fFolder; },
-                         [this](QWidget*, const QString&, const QString&) { return fFile; },
-                         [this](const QUrl& address) {
-                           fOpened.append(address);
-                           return fCanOpen;
-                         },
-                         [this](QWidget&, const QString& message) { fEnds.append(message); }}) {
-    QObject::connect(&fTimer, &QTimer::timeout, &fWindow, [this] { AnswerAlert(); });
-    fTimer.start(5);
-    fWindow.show();
-  }
-
-  /// Chooses both folders by their commands and waits for the look.
-  void Choose(const fs::path& input, const fs::path& output) {
-    fFolder = PathToQt(output);
-    fWindow.Command(kCommandOutputFolder)->trigger();
-    fFolder = PathToQt(input);
-    fWindow.Command(kCommandInputFolder)->trigger();
-    WaitForLook();
-  }
-  void WaitForLook() {
-    QVERIFY(QTest::qWaitFor([this] { return !fWindow.IsLooking(); }, kPatience));
-  }
-  /// Runs a pack with these answers to its alerts; returns the messages of the alerts.
-  QStringList Pack(const QStringList& answers) {
-    fAnswers = answers;
-    fMessages.clear();
-    fWindow.Command(kCommandCreate)->trigger();
-    const bool ended = QTest::qWaitFor([this] { return !fWindow.IsPacking(); }, kPatience);
-    return ended ? fMessages : QStringList("the run does not end");
-  }
-  QString State() { return fWindow.StateText(); }
-  /// Types the path of a folder and Enter.
-  CFolderChooser& Type(qsizetype chooser, const fs::path& path) {
-    auto& chosen = *fWindow.findChildren<CFolderChooser*>()[chooser];
-    auto* const line = chosen.findChild<QLineEdit*>();
-    line->selectAll();
-    QTest::keyClicks(line, PathToQt(path));
-    QTest::keyClick(line, Qt::Key_Enter);
-    return chosen;
-  }
-  bool Shows(const QString& text) {
-    return std::ranges::any_of(fWindow.findChildren<QLabel*>(), [&](const QLabel* label) {
-      return label->isVisible() && label->text() == text;
-    });
-  }
-  QStringList Findings() {
-    const QAbstractItemModel& model = *Find<QTreeView>(kTextFindings).model();
-    QStringList rows;
-    for (int row = 0; row < model.rowCount(); ++row) {
-      rows += model.index(row, 0).data().toString() + "|" + model.index(row, 1).data().toString() +
-              "|" + model.index(row, 2).data().toString();
-    }
-    return rows;
-  }
-  QString fFolder;
-  QString fFile;
-  QStringList fAnswers;
-  QStringList fMessages;
-  QList<QUrl> fOpened;
-  bool fCanOpen = true;
-  QStringList fEnds;
-  CMainWindow fWindow;
-
- private:
-  QWidget& Window() override { return fWindow; }
-  void AnswerAlert() {
-    auto* const alert = qobject_cast<CAlertDialog*>(QApplication::activeModalWidget());
-    if (alert == nullptr) return;
-    fMessages += alert->accessibleDescription();
-    if (!FindNameless(*alert).isEmpty()) fMessages += "nameless: " + FindNameless(*alert);
-    const QString answer = fAnswers.isEmpty() ? "Escape" : fAnswers.takeFirst();
-    if (answer == "Escape") return QTest::keyClick(alert, Qt::Key_Escape);
-    for (QCheckBox* const box : alert->findChildren<QCheckBox*>()) {
-      if (answer.endsWith("!")) box->setChecked(true);
-    }
-    for (QPushButton* const button : alert->findChildren<QPushButton*>()) {
-      if (button->text().remove('&') == QString(answer).remove('!')) return button->click();
-    }
-    alert->reject();
-    fMessages += "no button " + answer;
-  }
-
-  QTimer fTimer;
-};
+using CTestWindow = NSTest::CMainWindowUnderTest;
 
 class CMainWindowTest : public QObject {
   Q_OBJECT
@@ -251,7 +159,7 @@ void CMainWindowTest::stopsInTheMiddle() {
   const fs::path file = fs::directory_iterator(folder.Path() / "in/MIDI")->path();
   fs::create_directory(folder.Path() / "in/More");
   for (int i = 0; i < 3000; ++i) {
-    fs::copy_file(file, folder.Path() / "in/More" / (std::to_string(i) + ".mid"));
+    fs::create_hard_link(file, folder.Path() / "in/More" / (std::to_string(i) + ".mid"));
   }
   CTestWindow window;
   window.Choose(folder.Path() / "in", folder.Path() / "out");

@@ -12,7 +12,7 @@
 
 namespace NSTest {
 
-constexpr int kPatience = 20000;  // milliseconds; only what hangs takes so long
+constexpr int kPatience = 90000;  // milliseconds; only what hangs takes so long
 
 /// A window, and what a user or a program for blind users finds in it.
 class CWindowUnderTest {
