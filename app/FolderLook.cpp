@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <functional>
+#include <iterator>
 #include <map>
 #include <utility>
 
@@ -208,9 +209,24 @@ void AddNotes(const CTextResources& texts, const CPackJobState& state,
   for (const std::u16string& file : state.fLists.fUnreferenced) {
     findings.push_back({EFinding::kNote, file, texts.Text(kLookUnreferenced), {}});
   }
+  std::ranges::move(RemarksAsFindings(texts, state), std::back_inserter(findings));
 }
 
 }  // namespace
+
+std::vector<CFolderFinding> RemarksAsFindings(const CTextResources& texts,
+                                              const CPackJobState& state) {
+  std::vector<CFolderFinding> findings;
+  for (const CJobEntry& entry : state.fEntries) {
+    if (!entry.TakesPart()) continue;
+    for (const ERemark remark : entry.fRemarks) {
+      const CStringNumber number{kFirstLookRemark.fTable,
+                                 kFirstLookRemark.fEntry + static_cast<int>(remark)};
+      findings.push_back({EFinding::kNote, entry.fFile.fPath, texts.Text(number), {}});
+    }
+  }
+  return findings;
+}
 
 CFolderLook LookAtFolder(const CTextResources& texts, const CPackSettings& settings,
                          const CFolderLookReport& report) {

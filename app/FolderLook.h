@@ -49,6 +49,10 @@ struct CFolderLook {
   bool fIsChecked = false;
 };
 
+/// What is worth telling of files that a job has accepted all the same.
+std::vector<CFolderFinding> RemarksAsFindings(const CTextResources& texts,
+                                              const CPackJobState& state);
+
 /// Who waits for a look; called on the thread that looks.
 struct CFolderLookReport {
   std::function<bool()> fStopRequested;

@@ -138,6 +138,8 @@ inline constexpr CStringNumber kLookUnreferenced{128, 606};
 inline constexpr CStringNumber kLookBadShortcut{128, 607};
 /// Of the first reason to leave a file out, those of the others follow it.
 inline constexpr CStringNumber kFirstLookLeftOut{128, 610};
+/// Of the first kind of remark, those of the others follow it.
+inline constexpr CStringNumber kFirstLookRemark{128, 670};
 
 // Advice of a check
 inline constexpr CStringNumber kAdviceStageLine{128, 700};

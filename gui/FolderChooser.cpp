@@ -59,7 +59,10 @@ void CFolderChooser::TakeTyped() {
 }
 
 void CFolderChooser::SetFolder(const QString& folder) {
-  fFolder = QDir::fromNativeSeparators(folder);
+  // As it is found from everywhere: the next start may be in another place.
+  fFolder = folder.isEmpty()
+                ? QString()
+                : QDir::cleanPath(QFileInfo(QDir::fromNativeSeparators(folder)).absoluteFilePath());
   QStringList recent = Recent();
   if (QFileInfo(fFolder).isDir()) {  // what is not there may have been a slip of the fingers
     recent.removeAll(fFolder);

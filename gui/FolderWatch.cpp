@@ -8,6 +8,7 @@
 #include "Parts/TolbrookPackage/Core/Exception.h"
 
 #include "app/ExceptionAlerts.h"
+#include "app/SpecialNames.h"
 #include "codecs/LQXLibrary.h"
 #include "gui/QtText.h"
 #include "gui/SplashFile.h"
@@ -31,7 +32,7 @@ QStringList PathsToWatch(const QString& folder, const CFolderLook& look) {
   }
   // A folder tells of files that come and go, a file of its own text: these are edited in place.
   for (const QString& name : QDir(folder).entryList({"*.txt", "*.jpg"}, QDir::Files)) {
-    paths += folder + "/" + name;
+    if (IsInformationFile(FromQt(name)) || IsSplash(FromQt(name))) paths += folder + "/" + name;
   }
   return paths;
 }
@@ -101,6 +102,7 @@ void CFolderWatch::Look(const CTaskLink& link, const QString& folder, std::uint6
                       link.Post([this, listed = std::make_shared<const CFolderLook>(listed),
                                  paths = PathsToWatch(folder, listed),
                                  splash = ReadPicture(SplashPath(folder)).fImage] {
+                        fFingerprint = 0;  // what is shown from now on has not been checked
                         Watch(paths);
                         emit Listed(listed, splash);
                       });
@@ -118,6 +120,7 @@ void CFolderWatch::Take(const SharedLook& look) {
 void CFolderWatch::TakeFailure(const std::exception_ptr& failure) {
   const auto choice = ChooseAlert(failure, ESituation::kGeneral, {});
   if (!choice) return;
+  fFingerprint = 0;
   CFolderLook look;
   look.fIsChecked = true;
   look.fFindings.push_back(

@@ -7,6 +7,7 @@
 #include <QScrollArea>
 #include <QSettings>
 #include <QVBoxLayout>
+#include <set>
 
 #include "Parts/TolbrookPackage/Core/Exception.h"
 
@@ -249,18 +250,32 @@ void CMainWindow::Create() {
 }
 
 void CMainWindow::EndRun() {
-  fProgress->Finish();
+  // A question about stopping has events of its own, behind which it still needs its window.
+  if (!fProgress->Finish()) return QTimer::singleShot(0, this, &CMainWindow::EndRun);
   const std::unique_ptr<CProgressDialog> progress = std::move(fProgress);
   const std::unique_ptr<CPackRun> run = std::move(fRun);
   if (const CPackageInformation& packed = run->Information(); packed.fFileCount > 0) {
     fLastRun = Text(kTextLastRun, {packed.fName, Number(static_cast<qint64>(packed.fFileCount))});
   }
+  AddRemarks(run->Remarks());
   fWatch.SetPaused(false);
   UpdateState();
   if (run->Fault()) ShowFailure(run->Fault());
   if (run->WantsLog() && run->LogFile()) {
     fMenus->Open(QUrl::fromLocalFile(PathToQt(*run->LogFile())));
   }
+}
+
+void CMainWindow::AddRemarks(const std::vector<CFolderFinding>& remarks) {
+  if (remarks.empty() || !fLook->fIsChecked) return;
+  const auto look = std::make_shared<CFolderLook>(*fLook);
+  std::set<std::pair<std::u16string, std::u16string>> known;
+  for (const CFolderFinding& finding : look->fFindings) known.emplace(finding.fFile, finding.fText);
+  for (const CFolderFinding& remark : remarks) {
+    if (known.emplace(remark.fFile, remark.fText).second) look->fFindings.push_back(remark);
+  }
+  fLook = look;
+  fContents->Show(fLook);
 }
 
 void CMainWindow::ShowInformation(const CPackageInformation& information) {
@@ -329,7 +344,7 @@ bool CMainWindow::AskForSplash(const CSplashPicture& picture) {
   const std::u16string edge = Number(kSplashEdge);
   return ShowAlertDialog(
              fTexts, kAlertScaleSplash,
-             {Number(picture.fImage.width()), Number(picture.fImage.height()), edge, edge, name},
+             {Number(picture.fSize.width()), Number(picture.fSize.height()), edge, edge, name},
              this) == kLastButton;
 }
 

@@ -68,10 +68,11 @@ void CProgressDialog::reject() {
   fRun.RequestStop();
 }
 
-void CProgressDialog::Finish() {
+bool CProgressDialog::Finish() {
   fTimer.stop();
   if (fQuestion != nullptr) fQuestion->reject();
   hide();
+  return fQuestion == nullptr;
 }
 
 }  // namespace NSTambraGui

@@ -19,8 +19,9 @@ class CProgressDialog : public QDialog {
   /// Both must outlive the window.
   CProgressDialog(const NSTambraPacking::CTextResources& texts, CPackRun& run, QWidget* parent);
 
-  /// The job has ended: closes the window and a question about stopping that is still open.
-  void Finish();
+  /// The job has ended: closes the window and a question about stopping that is still open. False
+  /// while that question is being closed.
+  bool Finish();
 
   /// Asks whether to stop, which is what closing the window means too.
   void reject() override;

@@ -60,7 +60,9 @@ CSplashPicture ReadPicture(const QString& path) {
   }
   const bool isJpeg =
       reader.format() == "jpeg" && reader.transformation() == QImageIOHandler::TransformationNone;
-  CSplashPicture picture{reader.read(), {}};
+  const bool isTurned = reader.transformation() & QImageIOHandler::TransformationRotate90;
+  CSplashPicture picture{reader.read(), {}, isTurned ? size.transposed() : size};
+  if (!size.isValid()) picture.fSize = picture.fImage.size();
   if (isJpeg && picture.HasSplashSize() && file.size() <= kLargestFile && file.seek(0)) {
     picture.fFile = file.readAll();
   }

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QImage>
+#include <QSize>
 #include <QString>
 
 namespace NSTambraGui {
@@ -10,6 +11,7 @@ namespace NSTambraGui {
 struct CSplashPicture {
   QImage fImage;     ///< without pixels when there is none or it cannot be read
   QByteArray fFile;  ///< the file as it stands where that is a splash already, else empty
+  QSize fSize;       ///< in the file; fImage may be smaller
 
   bool HasSplashSize() const;
 };

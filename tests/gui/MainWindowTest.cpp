@@ -2,6 +2,7 @@
 #include <QMenuBar>
 #include <QMimeData>
 #include <QtTest>
+#include <fstream>
 #include <thread>
 
 #include "app/demo/DemoLibrary.h"
@@ -30,6 +31,7 @@ class CMainWindowTest : public QObject {
   void tellsWhatEndsARun();
   void survivesMissingTexts();
   void stopsInTheMiddle();
+  void endsBehindAQuestionThatIsOpen();
   void showsEveryAlertWithItsButtonsInOrder();
   void obeysEveryCommand();
   void editsTextsAndCopiesFindings();
@@ -176,6 +178,21 @@ void CMainWindowTest::stopsInTheMiddle() {
   const QStringList told = window.Pack({"Cancel Packing"});
   QCOMPARE(told, {ToQt(window.fTexts.Alert(kAlertStop).fMessage)});
   QVERIFY(fs::is_empty(folder.Path() / "out"));
+}
+
+void CMainWindowTest::endsBehindAQuestionThatIsOpen() {
+  NSTest::CLibrary library;
+  library.WithSample("a.wav");
+  fs::create_directories(library.Output());
+  std::ofstream(library.Output() / "Kit.tmb") << "?";
+  CTestWindow window;
+  window.Choose(library.Input(), library.Output());
+  window.fUnanswered = ToQt(window.fTexts.Alert(kAlertStop).fMessage);
+  QTimer::singleShot(0, &window.fWindow,
+                     [&] { window.fWindow.findChild<CProgressDialog*>()->reject(); });
+  const QStringList told = window.Pack({"Cancel"});
+  QVERIFY2(told.size() == 1 && told.front().contains("already exists"),
+           qPrintable(told.join("; ")));
 }
 
 void CMainWindowTest::showsEveryAlertWithItsButtonsInOrder() {

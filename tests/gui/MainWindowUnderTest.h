@@ -76,6 +76,7 @@ class CMainWindowUnderTest : public CWindowUnderTest {
   QString fFile;
   QStringList fAnswers;
   QStringList fMessages;
+  QString fUnanswered;  ///< the message of an alert that is left open
   QList<QUrl> fOpened;
   bool fCanOpen = true;
   QStringList fEnds;
@@ -85,7 +86,7 @@ class CMainWindowUnderTest : public CWindowUnderTest {
   QWidget& Window() override { return fWindow; }
   void AnswerAlert() {
     auto* const alert = qobject_cast<NSTambraGui::CAlertDialog*>(QApplication::activeModalWidget());
-    if (alert == nullptr) return;
+    if (alert == nullptr || alert->accessibleDescription() == fUnanswered) return;
     fMessages += alert->accessibleDescription();
     if (!FindNameless(*alert).isEmpty()) fMessages += "nameless: " + FindNameless(*alert);
     const QString answer = fAnswers.isEmpty() ? "Escape" : fAnswers.takeFirst();
