@@ -13,24 +13,28 @@ namespace {
 
 std::atomic<bool> gRequested = false;
 std::atomic<NSTambraPacking::CTambraPackProgress*> gProgress = nullptr;
-static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler sets it");
+static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<time_t>::is_always_lock_free,
+              "a signal handler sets them");
 
-timespec Now() {
+/// The second of the first interrupt, 0 before it. Two threads may be interrupted at once.
+std::atomic<time_t> gFirst = 0;
+
+/// Never 0.
+time_t Now() {
   timespec now{};
   clock_gettime(CLOCK_MONOTONIC, &now);
-  return now;
+  return now.tv_sec + 1;
 }
-
-/// Read and written by the handler alone, which does not interrupt itself.
-timespec gFirst;
 
 /// The first interrupt is noted, a late one ends the program.
 void Note(int) {
-  if (gRequested.exchange(true)) {
-    if (Now().tv_sec - gFirst.tv_sec >= CStopSignal::kPatience.count()) _exit(kExitStopped);
+  const time_t now = Now();
+  time_t first = 0;
+  if (!gFirst.compare_exchange_strong(first, now)) {
+    if (now - first >= CStopSignal::kPatience.count()) _exit(kExitStopped);
     return;
   }
-  gFirst = Now();
+  gRequested = true;
   if (auto* const progress = gProgress.load()) progress->RequestStop();
 }
 
@@ -40,6 +44,7 @@ struct sigaction gInterrupt, gTerminate;
 
 CStopSignal::CStopSignal(NSTambraPacking::CTambraPackProgress* progress) {
   gProgress = progress;
+  gFirst = 0;
   gRequested = false;
   struct sigaction action {};
   action.sa_handler = Note;
