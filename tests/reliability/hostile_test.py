@@ -9,6 +9,7 @@ import concurrent.futures
 import json
 import os
 import pathlib
+import random
 import re
 import resource
 import shutil
@@ -192,6 +193,24 @@ def name_cases():
                ALL_PASS)
 
 
+def one_hash_names(count):
+    """Names that a hash table of g++'s library would put into one place, each behind the number 0 of
+    its folder in UTF-16: of every eight bytes the second ones undo in the hash what the first did."""
+    words, factor, draw = 2**64, 0xC6A4A7935BD1E995, random.Random(5)
+    fold = lambda word: word ^ word >> 47
+    take = lambda state, text: (state ^ fold(int.from_bytes(text.encode("utf-16-le"), "little") * factor
+                                             % words) * factor) * factor % words
+    before = take(0xC70F6907 ^ 24 * factor % words, "\0\0ab")
+    back, names = pow(factor, -1, words), set()
+    while len(names) < count:
+        first = "".join(chr(draw.randrange(0x4E00, 0x9F00)) for _ in range(4))
+        undone = fold(take(before, first) * back % words) * back % words
+        name = first + undone.to_bytes(8, "little").decode("utf-16-le", "replace")
+        if all("\u4e00" <= sign < "\u9f00" or "\uac00" <= sign < "\ud7a0" for sign in name):
+            names.add("ab" + name)
+    return sorted(names)
+
+
 def structure_cases():
     good = package(("a.pad", b"xyz"), ("b.pad", b"uvw"))
     for what, bad, statuses in (
@@ -224,6 +243,11 @@ def structure_cases():
     shared = lambda count: package(*(Entry(f"{i}.pad", b"", offset=0, size=1 << 16) for i in range(count)),
                                    Entry("z.pad", bytes(1 << 16), offset=0))
     yield Case("package: entries that share all bytes", shared(1200), shared(12), INDEX)
+    yield Case("package: one name thousands of times", package(*[("a.pad", b"x")] * 20000),
+               package(*((f"{i}.pad", b"x") for i in range(2000))), "0044440")
+    yield Case("package: names of one hash", package(*((name, b"x") for name in one_hash_names(60000))),
+               package(*((f"{i:010}", b"x") for i in range(60000))), "000",
+               ("list", "verify --quick", "diff"))
     yield Case("package: unknown type", package(Entry(type=255)), good, "0004000")
 
 
@@ -282,6 +306,10 @@ def store_cases():
             ("greatest root area", block_store(stream(), root=2**32 - 1)),
             ("cut root area", good[:40])):
         yield Case(f"store: {what}", bad, good, "4", ("dump",))
+    # The first one counts then, as long as what it names can be read.
+    equal = lambda first: block_store(stream(), slots=slot(2, first) + slot(2, 2))
+    yield Case("store: equal generations", equal(2), good, "0", ("dump",))
+    yield Case("store: equal generations, the first without directory", equal(1), good, "0", ("dump",))
 
 
 def picture(edge):
