@@ -11,7 +11,6 @@
 #include "app/SpecialNames.h"
 #include "codecs/LQXLibrary.h"
 #include "gui/QtText.h"
-#include "gui/SplashFile.h"
 
 namespace NSTambraGui {
 
@@ -101,7 +100,7 @@ void CFolderWatch::Look(const CTaskLink& link, const QString& folder, std::uint6
                       if (listed.fFingerprint == known) return false;
                       link.Post([this, listed = std::make_shared<const CFolderLook>(listed),
                                  paths = PathsToWatch(folder, listed),
-                                 splash = ReadPicture(SplashPath(folder)).fImage] {
+                                 splash = ReadPicture(SplashPath(folder))] {
                         fFingerprint = 0;  // what is shown from now on has not been checked
                         Watch(paths);
                         emit Listed(listed, splash);

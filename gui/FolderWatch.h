@@ -1,12 +1,12 @@
 #pragma once
 
 #include <QFileSystemWatcher>
-#include <QImage>
 #include <QTimer>
 
 #include "app/FolderLook.h"
 #include "app/TextResources.h"
 #include "gui/FindingsModel.h"
+#include "gui/SplashFile.h"
 #include "gui/package/BackgroundTask.h"
 
 namespace NSTambraGui {
@@ -31,7 +31,7 @@ class CFolderWatch : public QObject {
  signals:
   /// The folder is listed; its check has begun. `splash` is a picture without pixels when there is
   /// none that can be read.
-  void Listed(const SharedLook& look, const QImage& splash);
+  void Listed(const SharedLook& look, const CSplashPicture& splash);
   void Checked(const SharedLook& look);
 
  private:

@@ -211,7 +211,7 @@ void CMainWindow::SetOutput(const QString& folder) {
   CheckOutput();
 }
 
-void CMainWindow::ShowListed(const SharedLook& look, const QImage& splash) {
+void CMainWindow::ShowListed(const SharedLook& look, const CSplashPicture& splash) {
   fLook = look;
   fIsListed = true;
   fInformation->Show(look->fTexts);

@@ -70,7 +70,7 @@ class CMainWindow : public QMainWindow {
   void ChooseSplash();
   void SetInput(const QString& folder);
   void SetOutput(const QString& folder);
-  void ShowListed(const SharedLook& look, const QImage& splash);
+  void ShowListed(const SharedLook& look, const CSplashPicture& splash);
   void ShowChecked(const SharedLook& look);
 
   void Create();

@@ -69,17 +69,18 @@ CSplashPicture ReadPicture(const QString& path) {
   return picture;
 }
 
-QImage SaveSplash(const QString& folder, const CSplashPicture& picture) {
+CSplashPicture SaveSplash(const QString& folder, const CSplashPicture& picture) {
   const QString path = SplashPath(folder);
   CSplashPicture splash = picture;
   if (splash.fFile.isEmpty()) splash.fImage = ScaledToSplash(picture.fImage);
+  splash.fSize = splash.fImage.size();
   QSaveFile file(path);
   if (!file.open(QIODevice::WriteOnly) || !Write(file, splash) || !file.commit()) {
     throw NSMordel::XWrite(
         "the splash picture cannot be written: " + file.errorString().toStdString(),
         {{NSMordel::kTargetObjectType, "file"}, {NSMordel::kTargetObjectId, path.toStdString()}});
   }
-  return splash.fImage;
+  return splash;
 }
 
 }  // namespace NSTambraGui

@@ -25,6 +25,6 @@ CSplashPicture ReadPicture(const QString& path);
 
 /// Writes the picture as the folder's splash picture, scaled where it has another size; in place of
 /// the old one only when it is whole. Returns it. Throws XWrite.
-QImage SaveSplash(const QString& folder, const CSplashPicture& picture);
+CSplashPicture SaveSplash(const QString& folder, const CSplashPicture& picture);
 
 }  // namespace NSTambraGui

@@ -29,8 +29,9 @@ CSplashView::CSplashView(const NSTambraPacking::CTextResources& texts, QWidget* 
   Show({});
 }
 
-void CSplashView::Show(const QImage& picture) {
-  fSize = picture.size();
+void CSplashView::Show(const CSplashPicture& splash) {
+  const QImage& picture = splash.fImage;
+  fSize = splash.fSize;
   if (picture.isNull()) {
     setText(ToQt(fTexts.Text(kTextNoSplash)));
     setToolTip({});
@@ -40,8 +41,8 @@ void CSplashView::Show(const QImage& picture) {
         isLarge
             ? picture.scaled(kMostShown, kMostShown, Qt::KeepAspectRatio, Qt::SmoothTransformation)
             : picture));
-    setToolTip(ToQt(fTexts.Text(kTextSplashSize, {FromQt(QString::number(picture.width())),
-                                                  FromQt(QString::number(picture.height()))})));
+    setToolTip(ToQt(fTexts.Text(kTextSplashSize, {FromQt(QString::number(fSize.width())),
+                                                  FromQt(QString::number(fSize.height()))})));
   }
   setAccessibleDescription(picture.isNull() ? text() : toolTip());
 }

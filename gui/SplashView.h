@@ -3,6 +3,7 @@
 #include <QLabel>
 
 #include "app/TextResources.h"
+#include "gui/SplashFile.h"
 
 namespace NSTambraGui {
 
@@ -15,7 +16,7 @@ class CSplashView : public QLabel {
   CSplashView(const NSTambraPacking::CTextResources& texts, QWidget* parent);
 
   /// A picture without pixels stands for none.
-  void Show(const QImage& picture);
+  void Show(const CSplashPicture& splash);
   QSize PictureSize() const { return fSize; }
 
  signals:

@@ -357,12 +357,13 @@ void CMainWindowTest::survivesWhatHappensToTheFolder() {
 
 void CMainWindowTest::savesInformationAndSplash() {
   NSTest::CLibrary library;
-  library.WithInfo("URL", "old").WithSplash("SPLASH.JPG", 20).Without("Splash.jpg");
+  library.WithInfo("URL", "old").WithSplash("SPLASH.JPG", 2100).Without("Splash.jpg");
   library.WithFile("COMMENTS.TXT",
                    "a\xA0"
                    "b\r\nc");
   CTestWindow window;
   window.Choose(library.Input(), library.Output());
+  QCOMPARE(window.Find<CSplashView>(kTextSplash).PictureSize(), QSize(2100, 2100));
   auto& address = window.Find<QLineEdit>(kInfoAddress);
   address.selectAll();
   QTest::keyClicks(&address, "new");
