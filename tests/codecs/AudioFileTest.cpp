@@ -12,6 +12,7 @@
 #include "codecs/AudioFile.h"
 #include "tests/support/AudioBuilder.h"
 #include "tests/support/FailingMedia.h"
+#include "tests/support/FaultText.h"
 
 namespace NSTambraPacking {
 namespace {
@@ -58,15 +59,26 @@ std::string Float64(std::initializer_list<double> values) {
 
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
 constexpr double kHalfStep = 1.0 / (1 << 24);
+constexpr std::int32_t kMost = 8388607, kLeast = -kMost - 1;
 
 TEST(AudioFile, DecodesEachCoding) {
   const auto wave = [](int tag, int bits, const std::string& data) {
     return CAudioBuilder::WAVE().Format(tag, 1, bits).Data(data);
   };
+  const auto extensible = [](int tag, int bits, const std::string& data) {
+    return CAudioBuilder::WAVE().Extensible(tag, 1, 32, bits).Data(data);
+  };
+  const auto aiff = [](int bits, std::uint32_t frames, const std::string& data) {
+    return CAudioBuilder::AIFF().Common(1, frames, bits).Sound(data);
+  };
   const auto aifc = [](std::string_view coding, int bits, std::uint32_t frames,
                        const std::string& data) {
     return CAudioBuilder::AIFC().Common(1, frames, bits, coding).Sound(data);
   };
+  const std::string extremes32 = Little(0x7FFFFFFF, 4) + Little(0x7FFFFF7F, 4) + Big(0x80, 4);
+  const std::string halves32 = Little(127, 4) + Little(128, 4) + Little(0xFFFFFF80, 4);
+  const std::string beyond = Float32({2, -kInfinity, kInfinity, std::nanf("")});
+  const std::string halves64 = Float64({kHalfStep, -kHalfStep, -1.5 * kHalfStep});
   const struct {
     const char* name;
     CAudioBuilder file;
@@ -77,61 +89,25 @@ TEST(AudioFile, DecodesEachCoding) {
       {"WAVE 8", wave(1, 8, "\x00\x80\xFF"s), 16, true, {-32768, 0, 32512}},
       {"WAVE 12", wave(1, 12, "\xF0\x7F\x00\x80"s), 16, true, {32752, -32768}},
       {"WAVE 16", wave(1, 16, "\x00\x80\xFF\x7F\xFF\xFF"s), 16, true, {-32768, 32767, -1}},
-      {"WAVE 24", wave(1, 24, "\x00\x00\x80\xFF\xFF\x7F"s), 24, true, {-8388608, 8388607}},
-      {"WAVE 32",
-       wave(1, 32,
-            Little(0x7FFFFFFF, 4) + Little(0x7FFFFF7F, 4) + Little(0x80000000, 4) + Little(127, 4) +
-                Little(128, 4) + Little(0xFFFFFF80, 4) + Little(0xFFFFFF7F, 4)),
-       24,
-       false,
-       {8388607, 8388607, -8388608, 0, 1, 0, -1}},
-      {"WAVE float",
-       wave(3, 32, Float32({1, -1, 2, -kInfinity, kInfinity, std::nanf(""), 0.5F, -0.25F})),
-       24,
-       false,
-       {8388607, -8388608, 8388607, -8388608, 8388607, 0, 4194304, -2097152}},
+      {"WAVE 24", wave(1, 24, "\x00\x00\x80\xFF\xFF\x7F"s), 24, true, {kLeast, kMost}},
+      {"WAVE 32", wave(1, 32, extremes32), 24, false, {kMost, kMost, kLeast}},
+      {"rounding", wave(1, 32, halves32 + Little(0xFFFFFF7F, 4)), 24, false, {0, 1, 0, -1}},
+      {"float", wave(3, 32, Float32({1, -1, 0.5F})), 24, false, {kMost, kLeast, 4194304}},
+      {"beyond 1", wave(3, 32, beyond), 24, false, {kMost, kLeast, kMost, 0}},
       {"WAVE mu-law", wave(7, 8, "\x00\x80\xFF\x7F"s), 16, false, {-32124, 32124, 0, 0}},
       {"WAVE A-law", wave(6, 8, "\x2A\xAA\xD5\x55"s), 16, false, {-32256, 32256, 8, -8}},
-      {"24 in 32",
-       CAudioBuilder::WAVE().Extensible(1, 1, 32, 24).Data("\0\1\0\x80"s),
-       24,
-       false,
-       {-8388607}},
-      {"extensible float",
-       CAudioBuilder::WAVE().Extensible(3, 1, 32, 32).Data(Float32({-0.5F})),
-       24,
-       false,
-       {-4194304}},
-      {"AIFF 8",
-       CAudioBuilder::AIFF().Common(1, 3, 8).Sound("\x80\x00\x7F"s),
-       16,
-       true,
-       {-32768, 0, 32512}},
-      {"AIFF 16",
-       CAudioBuilder::AIFF().Common(1, 2, 16).Sound("\x80\x00\x7F\xFF"s),
-       16,
-       true,
-       {-32768, 32767}},
-      {"AIFF 20",
-       CAudioBuilder::AIFF().Common(1, 1, 20).Sound("\x80\x00\x10"s),
-       24,
-       true,
-       {-8388592}},
-      {"AIFF 32",
-       CAudioBuilder::AIFF().Common(1, 1, 32).Sound("\x12\x34\x56\x80"s),
-       24,
-       false,
-       {0x123457}},
+      {"24 in 32", extensible(1, 24, "\0\1\0\x80"s), 24, false, {-8388607}},
+      {"extensible float", extensible(3, 32, Float32({-0.5F})), 24, false, {-4194304}},
+      {"AIFF 8", aiff(8, 3, "\x80\x00\x7F"s), 16, true, {-32768, 0, 32512}},
+      {"AIFF 16", aiff(16, 2, "\x80\x00\x7F\xFF"s), 16, true, {-32768, 32767}},
+      {"AIFF 20", aiff(20, 1, "\x80\x00\x10"s), 24, true, {-8388592}},
+      {"AIFF 32", aiff(32, 1, "\x12\x34\x56\x80"s), 24, false, {0x123457}},
       {"NONE", aifc("NONE", 16, 1, "\x01\x02"s), 16, true, {0x0102}},
       {"twos", aifc("twos", 16, 1, "\x01\x02"s), 16, true, {0x0102}},
       {"sowt", aifc("sowt", 24, 1, "\x01\x02\x03"s), 24, true, {0x030201}},
       {"raw", aifc("RAW ", 8, 3, "\x00\x80\xFF"s), 16, true, {-32768, 0, 32512}},
       {"fl32", aifc("FL32", 32, 1, Big(0x3F000000, 4)), 24, false, {4194304}},
-      {"fl64",
-       aifc("fl64", 64, 3, Float64({kHalfStep, -kHalfStep, -1.5 * kHalfStep})),
-       24,
-       false,
-       {1, 0, -1}},
+      {"fl64", aifc("fl64", 64, 3, halves64), 24, false, {1, 0, -1}},
       {"ulaw", aifc("ulaw", 16, 2, "\x00\x80"s), 16, false, {-32124, 32124}},
       {"ALAW", aifc("ALAW", 8, 1, "\xAA"s), 16, false, {32256}},
   };
@@ -212,47 +188,50 @@ TEST(AudioFile, TellsLoopsAndTuning) {
 
 TEST(AudioFile, ReadsWhatIsUnusualButRight) {
   const auto format = [] { return CAudioBuilder::WAVE().Format(1, 1, 16); };
-  const std::string five = "\1\0\2\0\3"s;
-  EXPECT_EQ(ReadAll(Open(format().Data(five))), (CSamples{1, 2}));  // the rest is no frame
-  EXPECT_EQ(ReadAll(Open(format().Data(""))), CSamples{});
-  EXPECT_EQ(ReadAll(Open(CAudioBuilder::WAVE().Data("\1\0"s).Format(1, 1, 16))), CSamples{1});
-  EXPECT_EQ(ReadAll(Open(format().Data("\1\0"s).Data("\2\0"s))), CSamples{1});
-  EXPECT_EQ(ReadAll(Open(format().Chunk("odd ", "x").Chunk("LIST", "?").Data("\1\0"s))),
-            CSamples{1});
-  EXPECT_EQ(ReadAll(Open(format().Data("\1\0"s).Rubbish("\0\0\0\0\xFF\xFF\xFF\xFF"s))),
-            CSamples{1});
-  EXPECT_EQ(ReadAll(Open(format().Data("\1\0"s).Rubbish("LIST"))), CSamples{1});
-  EXPECT_EQ(ReadAll(Open(format().Data("\1\0"s).Bytes("LIST\xFF\xFF\xFF\xFF"s))), CSamples{1});
-  // An outer size that is too small for the samples, though not for the header of their chunk.
-  EXPECT_EQ(ReadAll(Open(format().Data("\1\0\2\0"s).Bytes("", -4))), (CSamples{1, 2}));
-
+  const auto one = [&] { return format().Data("\1\0"s); };
+  const std::pair<std::string, CSamples> kCases[] = {
+      {format().Data("\1\0\2\0\3"s).Bytes(), {1, 2}},  // the rest is no frame
+      {format().Data("").Bytes(), {}},
+      {CAudioBuilder::WAVE().Data("\1\0"s).Format(1, 1, 16).Bytes(), {1}},
+      {one().Data("\2\0"s).Bytes(), {1}},
+      {format().Chunk("odd ", "x").Chunk("LIST", "?").Data("\1\0"s).Bytes(), {1}},
+      {one().Rubbish("\0\0\0\0\xFF\xFF\xFF\xFF"s).Bytes(), {1}},
+      {one().Rubbish("LIST").Bytes(), {1}},
+      {one().Bytes("LIST\xFF\xFF\xFF\xFF"s), {1}},
+      // An outer size that is too small for the samples, though not for the header of their chunk.
+      {format().Data("\1\0\2\0"s).Bytes("", -4), {1, 2}},
+      {CAudioBuilder::WAVE().Format(1, 3, 8).Data("\x80\x81\x82"s).Bytes(), {0, 256, 512}},
+      {CAudioBuilder::AIFF().Common(1, 1, 16).Sound("???\0\1rest"s, 3).Bytes(), {1}},
+  };
+  for (const auto& [bytes, samples] : kCases) {
+    EXPECT_EQ(ReadAll(Open(bytes)), samples) << testing::PrintToString(bytes);
+  }
   const CAudioBuilder none = CAudioBuilder::WAVE().Format(1, 0, 16).Data("\1\0"s);
   EXPECT_EQ(Open(none).Format().fChannels, 0);
   EXPECT_EQ(ReadAll(Open(none)), CSamples{});
-  EXPECT_EQ(ReadAll(Open(CAudioBuilder::WAVE().Format(1, 3, 8).Data("\x80\x81\x82"s))),
-            (CSamples{0, 256, 512}));
-
-  const auto common = [] { return CAudioBuilder::AIFF().Common(1, 1, 16, "", 96000); };
-  EXPECT_EQ(Open(common().Sound("\0\1"s)).Format().fRate, 96000u);
-  EXPECT_EQ(ReadAll(Open(common().Sound("???\0\1rest"s, 3))), CSamples{1});
+  const auto fast = CAudioBuilder::AIFF().Common(1, 1, 16, "", 96000).Sound("\0\1"s);
+  EXPECT_EQ(Open(fast).Format().fRate, 96000u);
 }
 
 TEST(AudioFile, TellsWhereTheSampleBytesLie) {
-  const auto text = [](const CAudioFile& file) {
+  const auto places = [](const CAudioFile& file) {
     const CSampleChunkLayout& layout = file.Layout();
-    return std::to_string(layout.fSourceSize) + " " + std::to_string(layout.fChunkSizePosition) +
-           " " + std::to_string(layout.fContentsStart) + "+" +
-           std::to_string(layout.fContentsLength) + " pad " + std::to_string(layout.fPadLength) +
-           ":" + std::to_string(layout.fPadValue);
+    return std::vector<std::uint64_t>{layout.fSourceSize,    layout.fChunkSizePosition,
+                                      layout.fContentsStart, layout.fContentsLength,
+                                      layout.fPadLength,     layout.fPadValue};
   };
   const auto wave = [](int bits) { return CAudioBuilder::WAVE().Format(1, 1, bits); };
-  EXPECT_EQ(text(Open(wave(16).Data("\1\0\2\0"s))), "48 40 44+4 pad 0:0");
-  EXPECT_EQ(text(Open(wave(8).Data("abc"))), "48 40 44+3 pad 1:0");
-  EXPECT_EQ(text(Open(wave(16).Data("abc"))), "48 40 44+3 pad 1:0");
-  EXPECT_EQ(text(Open(wave(8).Rubbish("data" + Little(3, 4) + "abc"))), "47 40 44+3 pad 0:0");
-  EXPECT_EQ(text(Open(wave(8).Rubbish("data" + Little(3, 4) + "abc\7"))), "48 40 44+3 pad 1:7");
+  const auto rubbish = [&](const char* samples) {
+    return Open(wave(8).Rubbish("data" + Little(3, 4) + samples));
+  };
+  using CPlaces = std::vector<std::uint64_t>;
+  EXPECT_EQ(places(Open(wave(16).Data("\1\0\2\0"s))), (CPlaces{48, 40, 44, 4, 0, 0}));
+  EXPECT_EQ(places(Open(wave(8).Data("abc"))), (CPlaces{48, 40, 44, 3, 1, 0}));
+  EXPECT_EQ(places(Open(wave(16).Data("abc"))), (CPlaces{48, 40, 44, 3, 1, 0}));
+  EXPECT_EQ(places(rubbish("abc")), (CPlaces{47, 40, 44, 3, 0, 0}));
+  EXPECT_EQ(places(rubbish("abc\7")), (CPlaces{48, 40, 44, 3, 1, 7}));
   const CAudioFile aiff = Open(CAudioBuilder::AIFF().Common(1, 3, 8).Sound("??abc", 2));
-  EXPECT_EQ(text(aiff), "60 42 54+5 pad 1:0");
+  EXPECT_EQ(places(aiff), (CPlaces{60, 42, 54, 5, 1, 0}));
   EXPECT_EQ(aiff.Format().fSamplesStart, 56u);
 }
 
@@ -344,12 +323,8 @@ TEST(AudioFile, PassesFailuresOfTheMediaOn) {
     CAudioFile audio = CAudioFile::Open(media, EAudioContainer::kWAVE);
     media->SetReadBudget(0);
     CSamples samples(1);
-    try {
-      audio.ReadFrames(samples);
-      FAIL();
-    } catch (const NSMordel::XRead& failure) {
-      EXPECT_STREQ(failure.what(), "the medium broke");
-    }
+    EXPECT_EQ(NSTest::FaultText<NSMordel::XRead>([&] { audio.ReadFrames(samples); }),
+              "the medium broke");
   }
 }
 

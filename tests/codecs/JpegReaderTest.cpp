@@ -8,7 +8,9 @@
 #include "codecs/JpegReader.h"
 #include "codecs/JpegWriter.h"
 #include "package/MemoryMedia.h"
+#include "tests/support/Damage.h"
 #include "tests/support/FailingMedia.h"
+#include "tests/support/FaultText.h"
 
 namespace NSTambraPacking {
 namespace {
@@ -63,10 +65,7 @@ TEST(JpegReader, ReadsWhatTheWriterWrote) {
 
 TEST(JpegReader, RefusesEveryPrefix) {
   const CBytes bytes = WriteJpeg(Gradient(64, 64), 30);
-  for (std::size_t length = 0; length < bytes.size(); ++length) {
-    const CBytes prefix(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(length));
-    EXPECT_THROW(SizeOf(prefix), XFormatViolation) << length;
-  }
+  NSTest::ForEachCut(bytes, [](const CBytes& cut) { EXPECT_THROW(SizeOf(cut), XFormatViolation); });
   CBytes longer = bytes;
   longer.insert(longer.end(), 100, 7);
   EXPECT_EQ(SizeOf(longer).fWidth, 64u);
@@ -128,12 +127,8 @@ CBytes Progressive(int scans) {
 
 TEST(JpegReader, BoundsScans) {
   EXPECT_EQ(SizeOf(Progressive(CJpegReader::kMaximumScans)).fWidth, 8u);
-  try {
-    SizeOf(Progressive(CJpegReader::kMaximumScans + 1));
-    FAIL();
-  } catch (const XFormatViolation& fault) {
-    EXPECT_STREQ(fault.what(), "JPEG picture: too many scans");
-  }
+  const auto tooMany = [] { SizeOf(Progressive(CJpegReader::kMaximumScans + 1)); };
+  EXPECT_EQ(NSTest::FaultText<XFormatViolation>(tooMany), "JPEG picture: too many scans");
 }
 
 TEST(JpegReader, PassesFailuresOfTheMediaOn) {
