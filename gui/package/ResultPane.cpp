@@ -2,6 +2,7 @@
 
 #include <QHBoxLayout>
 #include <QHeaderView>
+#include <QResizeEvent>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -39,7 +40,7 @@ CResultPane::CResultPane(const NSTambraPacking::CTextResources& texts, QWidget* 
   fList->setRootIsDecorated(false);
   fList->setAlternatingRowColors(true);
   fList->setEditTriggers(QAbstractItemView::NoEditTriggers);
-  fList->setColumnWidth(0, 200);
+  fList->setColumnWidth(0, 28 * fontMetrics().averageCharWidth());
   fList->setColumnWidth(1, 320);
   auto* const bar = new QHBoxLayout;
   bar->addWidget(fHeading, 1);
@@ -57,7 +58,7 @@ void CResultPane::Begin(const QString& heading) {
   fModel->removeRows(0, fModel->rowCount());
   // Without lines it takes no more room than its heading.
   fList->hide();
-  setMaximumHeight(3 * fontMetrics().height());
+  setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum);
   fHeading->setText(heading);
   show();
 }
@@ -65,7 +66,7 @@ void CResultPane::Begin(const QString& heading) {
 void CResultPane::Add(const std::vector<CResultLine>& lines) {
   if (!lines.empty()) {
     fList->show();
-    setMaximumHeight(QWIDGETSIZE_MAX);
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
   }
   for (const CResultLine& line : lines) {
     QList<QStandardItem*> row;
@@ -76,6 +77,21 @@ void CResultPane::Add(const std::vector<CResultLine>& lines) {
     row.front()->setData(line.fPath, kPathRole);
     fModel->appendRow(row);
   }
+}
+
+QSize CResultPane::minimumSizeHint() const {
+  QSize hint = QWidget::minimumSizeHint();
+  hint.setHeight(qMax(hint.height(), layout()->minimumHeightForWidth(width())));
+  return hint;
+}
+
+QSize CResultPane::sizeHint() const {
+  return fList->isHidden() ? minimumSizeHint() : QWidget::sizeHint();
+}
+
+void CResultPane::resizeEvent(QResizeEvent* event) {
+  QWidget::resizeEvent(event);
+  if (event->size().width() != event->oldSize().width()) updateGeometry();
 }
 
 void CResultPane::Follow(const QModelIndex& index) {

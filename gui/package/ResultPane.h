@@ -32,8 +32,16 @@ class CResultPane : public QWidget {
   void SetHeading(const QString& heading) { fHeading->setText(heading); }
   QString Heading() const { return fHeading->text(); }
 
+  /// With all lines that the heading has at the present width: the splitter around the pane asks
+  /// for no more than this, and takes a wrapped text for one line.
+  QSize minimumSizeHint() const override;
+  QSize sizeHint() const override;
+
  signals:
   void Followed(const QString& path);
+
+ protected:
+  void resizeEvent(QResizeEvent* event) override;
 
  private:
   void Follow(const QModelIndex& index);

@@ -263,6 +263,13 @@ void CPackageWindowTest::verifiesAndCompares() {
   QVERIFY(window.Results().Heading().contains("damaged.tmb"));
   ClickFirstRow(*list);
   QCOMPARE(window.Current(), ToQt((*sample)->Name()));
+  // A heading of several lines is seen whole.
+  auto* const heading = window.Results().findChild<QLabel*>();
+  heading->setText(heading->text().repeated(9));
+  QVERIFY(QTest::qWaitFor([&] {
+    return heading->height() >= heading->heightForWidth(heading->width()) &&
+           heading->height() > 2 * heading->fontMetrics().height();
+  }));
 
   CTestWindow other;
   other.Open(fFolder.Path() / "damaged.tmb");
