@@ -29,7 +29,7 @@ QAction::MenuRole RoleOf(int command) {
 QAction* MakeAction(const NSTambraPacking::CMenuItem& item, const QString& text, QWidget& owner) {
   auto* const action = new QAction(text, &owner);
   action->setMenuRole(RoleOf(item.fId));
-  if (!item.fKey.empty()) action->setShortcut(QKeySequence(ToQt(item.fKey)));
+  action->setShortcuts(QKeySequence::listFromString(ToQt(item.fKey)));
   action->setEnabled(!item.fDisabled);
   action->setCheckable(item.fCheckable || item.fChecked);
   action->setChecked(item.fChecked);

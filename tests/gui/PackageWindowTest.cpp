@@ -312,7 +312,8 @@ void CPackageWindowTest::obeysEveryCommand() {
       return widget->isVisible() && qobject_cast<const CPackageWindow*>(widget) != nullptr;
     });
   };
-  command(kCommandOpen)->trigger();
+  window.fWindow.activateWindow();
+  QTest::keyClick(&window.fWindow, Qt::Key_O, Qt::ControlModifier);
   window.Drop(window.fWindow, fPackage);
   QCOMPARE(count(), 3);
   command(kCommandClose)->trigger();
