@@ -176,6 +176,17 @@ std::optional<CAlertChoice> ChooseAlert(const std::exception_ptr& failure, ESitu
   }
 }
 
+std::u16string FailingFile(const std::exception_ptr& failure) {
+  try {
+    std::rethrow_exception(failure);
+  } catch (const CExceptionBodyMixin& e) {
+    const bool isFile = ContextValue(e, kTargetObjectType) == "file";
+    return isFile ? NSTolbrook::TextFromUtf8(ContextValue(e, kTargetObjectId)) : std::u16string();
+  } catch (...) {
+    return {};
+  }
+}
+
 int ShowAlert(const CTextResources& texts, IAlertPresenter& presenter, const CAlertChoice& choice) {
   return presenter.Show(choice.fNumber, texts.Alert(choice.fNumber, choice.fArguments));
 }

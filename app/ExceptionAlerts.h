@@ -43,6 +43,9 @@ struct CAlertChoice {
 std::optional<CAlertChoice> ChooseAlert(const std::exception_ptr& failure, ESituation situation,
                                         const std::u16string& fileName);
 
+/// The file that a failure names, as far as it names one.
+std::u16string FailingFile(const std::exception_ptr& failure);
+
 /// Shows the alert of `choice` and returns the answer.
 int ShowAlert(const CTextResources& texts, IAlertPresenter& presenter, const CAlertChoice& choice);
 

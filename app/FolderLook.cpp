@@ -96,6 +96,15 @@ class CFingerprint {
   void Add(const std::u16string& text) {
     for (const char16_t unit : text) Add(std::uint64_t{unit});
   }
+  /// Its size, which comes back, and the time when it was last written to.
+  std::uint64_t AddFile(const NSTolbrook::NativePath& path) {
+    const std::uint64_t size = NSTolbrook::FileStatus(path, true).fSize;
+    std::error_code noTime;  // a file that is gone again is found out about by the check
+    const auto time = std::filesystem::last_write_time(path, noTime);
+    Add(size);
+    Add(static_cast<std::uint64_t>(time.time_since_epoch().count()));
+    return size;
+  }
   std::uint64_t Value() const { return fValue; }
 
  private:
@@ -106,22 +115,16 @@ class CFingerprint {
 
 void AddFile(const CScannedFile& file, CTypeNames& names,
              std::map<std::u16string, CTypeCount>& types, CFingerprint& fingerprint) {
-  const std::uint64_t size = NSTolbrook::FileStatus(file.fItem.Path(), true).fSize;
   const std::u16string& name = names.NameOf(file);
   CTypeCount& type = types[name];
   type.fName = name;
   ++type.fCount;
-  type.fSize += size;
-  std::error_code noTime;  // a file that is gone again is found out about by the check
-  const auto time = std::filesystem::last_write_time(file.fItem.Path(), noTime);
   fingerprint.Add(file.fPath);
-  fingerprint.Add(size);
-  fingerprint.Add(static_cast<std::uint64_t>(time.time_since_epoch().count()));
+  type.fSize += fingerprint.AddFile(file.fItem.Path());
 }
 
 void ListFiles(const CTextResources& texts, const NSTolbrook::NativePath& folder,
-               const CFolderLookReport& report, CFolderLook& look,
-               std::vector<std::u16string>& badShortcuts) {
+               const CFolderLookReport& report, CFolderLook& look) {
   const auto checkStop = [&] {
     if (report.fStopRequested()) throw NSMordel::XSilentAbort("User aborted");
   };
@@ -131,20 +134,19 @@ void ListFiles(const CTextResources& texts, const NSTolbrook::NativePath& folder
       folder,
       {[&](const std::u16string& path) { return look.fTexts.fOptions.fSkipItems.Hold(path); },
        [&](std::size_t) { checkStop(); },
-       [&](const std::u16string& path) { badShortcuts.push_back(path); }});
+       [&](const std::u16string& path) { fingerprint.Add(path); }});
   CTypeNames names(texts);
   std::map<std::u16string, CTypeCount> types;
   for (const CScannedFile& file : scanned.fFiles) {
     checkStop();
     AddFile(file, names, types, fingerprint);
   }
-  for (const auto* const paths : {&scanned.fFolders, &badShortcuts}) {
-    for (const std::u16string& path : *paths) fingerprint.Add(path);
-  }
+  for (const std::u16string& path : scanned.fFolders) fingerprint.Add(path);
   for (const CScannedShortcut& shortcut : scanned.fShortcuts) {
     fingerprint.Add(shortcut.fPath);
     fingerprint.Add(shortcut.fTarget.value_or(u"/"));
   }
+  fingerprint.AddFile(folder / NSTolbrook::NativePath(kAdviceRulesName));
   for (const auto& [name, type] : types) {
     look.fTypes.push_back(type);
     look.fCount += type.fCount;
@@ -156,113 +158,96 @@ void ListFiles(const CTextResources& texts, const NSTolbrook::NativePath& folder
   look.fFingerprint = fingerprint.Value();
 }
 
-CStringNumber LeftOutText(ELeftOut why) {
-  return {kFirstLookLeftOut.fTable, kFirstLookLeftOut.fEntry + static_cast<int>(why) - 1};
-}
-
-/// `texts` about a file of `state`, as far as its reason tells.
-std::vector<std::u16string> ReasonOf(const CJobEntry& entry) {
-  if (entry.fReason.empty()) return {};
-  return {NSTolbrook::TextFromUtf8(entry.fReason)};
-}
-
-void AddProblems(const CTextResources& texts, const CPackJobState& state,
-                 std::vector<CFolderFinding>& findings) {
-  for (const CJobEntry& entry : state.fEntries) {
-    if (!entry.fFailed || !entry.TakesPart()) continue;
-    findings.push_back(
-        {EFinding::kProblem, entry.fFile.fPath, texts.Text(kLookFailed), ReasonOf(entry)});
+/// A check of the listed folder.
+class CLookCheck {
+ public:
+  CLookCheck(const CTextResources& texts, const CFolderLookReport& report, CFolderLook& look)
+      : fTexts(texts),
+        fLook(look),
+        fView(report.fStopRequested),
+        fPacker(texts, fPresenter, fClock),
+        fProgress(texts, fClock, fView, {.fShowTime = false}) {
+    fView.fProgress = &fProgress;
   }
-  std::map<std::pair<std::u16string, std::u16string>, std::vector<std::u16string>> hints;
-  for (CReferenceAdvice& advice : AdviseOnReferences(texts, state)) {
-    hints[{advice.fEntry, advice.fReference}] = std::move(advice.fHints);
+
+  void Check(CPackSettings settings) {
+    settings.fFolderFault = [this](const std::exception_ptr& fault) { AddFault(fault); };
+    CPackageInformation information;
+    Attempt([&] { fPacker.Check(settings, information, fProgress); });
+    const CPackJobState* const state = fPacker.State();
+    if (state == nullptr) return;
+    std::ranges::move(CheckAsFindings(fTexts, *state), std::back_inserter(fLook.fFindings));
+    fLook.fPackable =
+        static_cast<std::size_t>(std::ranges::count_if(state->fEntries, &CJobEntry::TakesPart));
   }
-  for (const auto& [file, references] : state.fLists.fUnresolved) {
-    for (const std::u16string& reference : references) {
-      findings.push_back({EFinding::kProblem, file, texts.Text(kLookUnresolved, {reference}),
-                          hints[{file, reference}]});
+
+  void Advise(const NSTolbrook::NativePath& folder) {
+    if (fPacker.State() == nullptr) return;
+    CAdviceRules rules;
+    try {
+      rules.AddFileOf(folder);
+    } catch (const NSMordel::CExceptionBodyMixin& e) {
+      const std::u16string reason = NSTolbrook::TextFromUtf8(e.Message());
+      const std::u16string file(kAdviceRulesName);
+      fLook.fFindings.push_back(
+          {EFinding::kAdvice, file, fTexts.Text(kLookBadRules, {reason}), {}});
+      return;
     }
+    Attempt([&] { fPacker.Advise(rules, fProgress); });
+    std::ranges::move(AdviceAsFindings(fTexts, *fPacker.State()),
+                      std::back_inserter(fLook.fFindings));
   }
-}
 
-void AddLeftOut(const CTextResources& texts, const CPackJobState& state,
-                std::vector<CFolderFinding>& findings) {
-  for (const CJobEntry& entry : state.fEntries) {
-    if (entry.fLeftOut == ELeftOut::kNo) continue;
-    findings.push_back({EFinding::kLeftOut, entry.fFile.fPath,
-                        texts.Text(LeftOutText(entry.fLeftOut)), ReasonOf(entry)});
+ private:
+  void AddFault(const std::exception_ptr& fault) {
+    fLook.fFindings.push_back(FaultAsFinding(fTexts, fault));
   }
-}
 
-void AddNotes(const CTextResources& texts, const CPackJobState& state,
-              std::vector<CFolderFinding>& findings) {
-  for (const auto& [file, names] : state.fLists.fExternal) {
-    findings.push_back({EFinding::kNote,
-                        file,
-                        texts.Text(kLookExternal, {JoinNames(texts, DistinctNames(names))}),
-                        {}});
+  /// What `work` fails with becomes a finding; an XAbort is none, since the lists tell why.
+  void Attempt(const std::function<void()>& work) {
+    try {
+      work();
+    } catch (const NSMordel::XSilentAbort&) {
+      throw;
+    } catch (const NSMordel::XAbort&) {
+    } catch (...) {
+      fPacker.ShowFailure(std::current_exception());
+    }
+    for (std::u16string& told : fPresenter.fTold) {
+      fLook.fFindings.push_back({EFinding::kProblem, {}, std::move(told), {}});
+    }
+    fPresenter.fTold.clear();
   }
-  for (const auto& [file, names] : state.fLists.fProhibited) {
-    findings.push_back(
-        {EFinding::kNote, file, texts.Text(kLookProhibited, {JoinNames(texts, names)}), {}});
-  }
-  for (const std::u16string& file : state.fLists.fUnreferenced) {
-    findings.push_back({EFinding::kNote, file, texts.Text(kLookUnreferenced), {}});
-  }
-  std::ranges::move(RemarksAsFindings(texts, state), std::back_inserter(findings));
-}
+
+  const CTextResources& fTexts;
+  CFolderLook& fLook;
+  const NSTolbrook::CSystemClock fClock;
+  CLookPresenter fPresenter;
+  CLookView fView;
+  CTambraPacker fPacker;
+  CTambraPackProgress fProgress;
+};
 
 }  // namespace
-
-std::vector<CFolderFinding> RemarksAsFindings(const CTextResources& texts,
-                                              const CPackJobState& state) {
-  std::vector<CFolderFinding> findings;
-  for (const CJobEntry& entry : state.fEntries) {
-    if (!entry.TakesPart()) continue;
-    for (const ERemark remark : entry.fRemarks) {
-      const CStringNumber number{kFirstLookRemark.fTable,
-                                 kFirstLookRemark.fEntry + static_cast<int>(remark)};
-      findings.push_back({EFinding::kNote, entry.fFile.fPath, texts.Text(number), {}});
-    }
-  }
-  return findings;
-}
 
 CFolderLook LookAtFolder(const CTextResources& texts, const CPackSettings& settings,
                          const CFolderLookReport& report) {
   CFolderLook look;
-  std::vector<std::u16string> badShortcuts;
-  CLookPresenter presenter;
-  const NSTolbrook::CSystemClock clock;
-  CTambraPacker packer(texts, presenter, clock);
   try {
-    ListFiles(texts, settings.fInputFolder.Path(), report, look, badShortcuts);
-    if (!report.fListed(look)) return look;
-    CLookView view(report.fStopRequested);
-    CTambraPackProgress progress(texts, clock, view, {.fShowTime = false});
-    view.fProgress = &progress;
-    CPackageInformation information;
-    // A check would end at the first bad shortcut.
-    if (badShortcuts.empty()) packer.Check(settings, information, progress);
+    ListFiles(texts, settings.fInputFolder.Path(), report, look);
   } catch (const NSMordel::XSilentAbort&) {
     throw;
-  } catch (const NSMordel::XAbort&) {  // the lists tell why
   } catch (...) {
-    packer.ShowFailure(std::current_exception());
+    look.fFindings.push_back(FaultAsFinding(texts, std::current_exception()));
+    look.fIsChecked = true;
+    return look;
   }
-  for (const std::u16string& path : badShortcuts) {
-    look.fFindings.push_back({EFinding::kProblem, path, texts.Text(kLookBadShortcut), {}});
-  }
-  for (const std::u16string& told : presenter.fTold) {
-    look.fFindings.push_back({EFinding::kProblem, {}, told, {}});
-  }
-  if (const CPackJobState* const state = packer.State()) {
-    AddProblems(texts, *state, look.fFindings);
-    AddLeftOut(texts, *state, look.fFindings);
-    AddNotes(texts, *state, look.fFindings);
-    for (const CJobEntry& entry : state->fEntries) look.fPackable += entry.TakesPart() ? 1 : 0;
-  }
+  if (!report.fListed(look)) return look;
+  CLookCheck check(texts, report, look);
+  check.Check(settings);
   look.fIsChecked = true;
+  report.fChecked(look);
+  check.Advise(settings.fInputFolder.Path());
   return look;
 }
 

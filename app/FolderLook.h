@@ -6,25 +6,12 @@
 #include <string>
 #include <vector>
 
+#include "app/FolderFindings.h"
 #include "app/PackJobState.h"
 #include "app/PackageInformation.h"
 #include "app/TextResources.h"
 
 namespace NSTambraPacking {
-
-enum class EFinding {
-  kProblem,  ///< keeps the folder from being packed
-  kLeftOut,  ///< a file that will not be in the package
-  kNote,     ///< goes into the log
-};
-
-/// Something to know about a folder before it is packed.
-struct CFolderFinding {
-  EFinding fKind = EFinding::kProblem;
-  std::u16string fFile;  ///< from the input root; empty when it concerns the folder
-  std::u16string fText;
-  std::vector<std::u16string> fHints;
-};
 
 /// The files of one type.
 struct CTypeCount {
@@ -44,14 +31,11 @@ struct CFolderLook {
   std::vector<std::u16string> fFolders;
   /// Changes when a file, folder or shortcut comes or goes, or a file is written to.
   std::uint64_t fFingerprint = 0;
-  /// Problems first, then what is left out, then notes; only after the check.
+  /// What is wrong with the whole folder, then problems of files, then what is left out, then
+  /// notes; only after the check. Behind them, once the samples have been heard, advice.
   std::vector<CFolderFinding> fFindings;
   bool fIsChecked = false;
 };
-
-/// What is worth telling of files that a job has accepted all the same.
-std::vector<CFolderFinding> RemarksAsFindings(const CTextResources& texts,
-                                              const CPackJobState& state);
 
 /// Who waits for a look; called on the thread that looks.
 struct CFolderLookReport {
@@ -59,11 +43,14 @@ struct CFolderLookReport {
   /// The folder is listed, its files have not been opened. Returns false when that is all that is
   /// wanted.
   std::function<bool(const CFolderLook& look)> fListed;
+  /// The check has come to its verdict, advice is still to come.
+  std::function<void(const CFolderLook& look)> fChecked;
 };
 
-/// Lists the input folder of `settings` and checks it as a run would; questions are taken as
-/// answered by going on. Writes nothing. What is wrong with the folder or with the package's
-/// information is a finding, not a failure. Throws XSilentAbort when it is stopped.
+/// Lists the input folder of `settings`, checks it as a run would and gives advice by the folder's
+/// own rules; questions are taken as answered by going on. Writes nothing. What is wrong with the
+/// folder or with the package's information is a finding, not a failure, and keeps nothing else
+/// from being found. Throws XSilentAbort when it is stopped.
 CFolderLook LookAtFolder(const CTextResources& texts, const CPackSettings& settings,
                          const CFolderLookReport& report);
 

@@ -2,6 +2,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <exception>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <set>
@@ -75,6 +77,9 @@ struct CPackSettings {
   CPackCache* fCache = nullptr;
   /// Of a check that gives advice; else null. Must outlive the run.
   const CAdviceRules* fAdviceRules = nullptr;
+  /// Of a check that goes on behind what is wrong with the folder as a whole (its name, version,
+  /// splash and shortcuts): takes each such failure. Without it the first one ends the run.
+  std::function<void(const std::exception_ptr& failure)> fFolderFault;
 };
 
 /// All that a run knows; made when it starts and kept, without the working file, until the next one

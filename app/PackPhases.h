@@ -9,6 +9,10 @@ namespace NSTambraPacking {
 
 class CTambraPacker;
 
+/// Does `work`, which looks at the folder as a whole; what it throws about that goes where the
+/// settings want it, if they do. Stops and a lack of memory are thrown in any case.
+void PassFolderFault(const CPackSettings& settings, const std::function<void()>& work);
+
 /// What each phase of a run works on and talks to.
 struct CPhaseContext {
   CPackJobState& fState;

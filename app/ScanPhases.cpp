@@ -1,4 +1,7 @@
+#include <utility>
+
 #include "Parts/TolbrookPackage/Core/Exception.h"
+#include "Parts/TolbrookPackage/Core/Text.h"
 
 #include "app/PackPhases.h"
 #include "app/SpecialNames.h"
@@ -39,17 +42,42 @@ bool IsUsableSplash(const CJobEntry& entry) {
   return entry.TakesPart() && entry.fFile.fFault.empty() && IsSplash(entry.fFile.fPath);
 }
 
+/// What the scan asks and tells.
+CScanRules ScanRules(const CPackJobState& state, const CPhaseReport& report) {
+  CScanRules rules{
+      [&state](const std::u16string& path) { return state.fOptions.fSkipItems.Hold(path); },
+      [&report](std::size_t) { report.CheckStop(); }};
+  if (const auto& take = state.fSettings.fFolderFault) {
+    rules.fBadShortcut = [&take](const std::u16string& path) {
+      take(std::make_exception_ptr(
+          NSMordel::XResolve("the shortcut leads nowhere or cannot be read",
+                             {{NSMordel::kTargetObjectType, "file"},
+                              {NSMordel::kTargetObjectId, NSTolbrook::Utf8FromText(path)}})));
+    };
+  }
+  return rules;
+}
+
 }  // namespace
+
+void PassFolderFault(const CPackSettings& settings, const std::function<void()>& work) {
+  try {
+    work();
+  } catch (const NSMordel::XSilentAbort&) {
+    throw;
+  } catch (const NSMordel::CExceptionBodyMixin&) {
+    if (!settings.fFolderFault) throw;
+    settings.fFolderFault(std::current_exception());
+  }
+}
 
 void ScanInputFolder(const CPhaseContext& context) {
   CPackJobState& state = context.fState;
   const CPhaseReport report = context.Report(0);
   report.CheckStop();
   report.Begin(0);
-  CScannedFolder scanned = ScanFolder(
-      state.fSettings.fInputFolder.Path(),
-      {[&state](const std::u16string& path) { return state.fOptions.fSkipItems.Hold(path); },
-       [&report](std::size_t) { report.CheckStop(); }});
+  CScannedFolder scanned =
+      ScanFolder(state.fSettings.fInputFolder.Path(), ScanRules(state, report));
   state.fShortcuts = std::move(scanned.fShortcuts);
   for (CScannedFile& file : scanned.fFiles) {
     state.fEntries.push_back(MakeEntry(std::move(file)));
@@ -70,16 +98,21 @@ void TakePackageInformation(const CPhaseContext& context) {
     if (entry.fFile.fIsInformation) {
       entry.fEntry->SetData(FirstReading(state, entry.fFile.fPath));
     } else if (!splashFound && IsUsableSplash(entry)) {
-      CheckSplashSize(entry.fFile.fPath, entry.fEntry->TypeCode(), OpenSource(entry.fFile.fItem),
-                      CJpegReader());
+      PassFolderFault(state.fSettings, [&entry] {
+        CheckSplashSize(entry.fFile.fPath, entry.fEntry->TypeCode(), OpenSource(entry.fFile.fItem),
+                        CJpegReader());
+      });
       splashFound = true;
     }
   }
-  if (state.fInformation.fName.empty()) {
+  PassFolderFault(state.fSettings, [&state] {
+    if (!state.fInformation.fName.empty()) return;
     throw NSMordel::XNotFound("tambra name not found", {{kTambraNameKey, ""}});
-  }
-  if (!splashFound) throw NSMordel::XNotFound("splash file not found", {{kSplashKey, ""}});
-  ParseVersionText(state.fInformation.fVersion);
+  });
+  PassFolderFault(state.fSettings, [splashFound] {
+    if (!splashFound) throw NSMordel::XNotFound("splash file not found", {{kSplashKey, ""}});
+  });
+  PassFolderFault(state.fSettings, [&state] { ParseVersionText(state.fInformation.fVersion); });
   report.End();
 }
 

@@ -22,20 +22,6 @@ struct CTambraPacker::CPhase {
 
 namespace {
 
-/// The file that a failure names, as far as it names one.
-std::u16string FailingFile(const std::exception_ptr& failure) {
-  try {
-    std::rethrow_exception(failure);
-  } catch (const NSMordel::CExceptionBodyMixin& e) {
-    const std::string* const type = e.FindContext(NSMordel::kTargetObjectType);
-    const std::string* const id = e.FindContext(NSMordel::kTargetObjectId);
-    const bool isFile = id != nullptr && type != nullptr && *type == "file";
-    return isFile ? NSTolbrook::TextFromUtf8(*id) : std::u16string();
-  } catch (...) {
-    return {};
-  }
-}
-
 /// Gives up the packed entries at the end of a run, however it ends: the state lives on, the
 /// working file must not.
 class CWorkingFileEnd {
@@ -100,18 +86,23 @@ void CTambraPacker::Check(const CPackSettings& settings, CPackageInformation& in
       CPhase{BuildFolderStructure, ESituation::kScanning},
       CPhase{VerifyEntries, ESituation::kVerifying},
   };
-  static constexpr std::array kAdvice = {CPhase{GiveAdvice, ESituation::kVerifying}};
   Prepare(settings);
-  fState->fInformation.OutputFileName();  // throws for a name that no file can have
+  PassFolderFault(settings, [this] { fState->fInformation.OutputFileName(); });
   std::exception_ptr verdict;
   try {
     RunPhases(kPhases, progress);
   } catch (const NSMordel::XAbort&) {
     verdict = std::current_exception();
   }
-  if (settings.fAdviceRules != nullptr) RunPhases(kAdvice, progress);
+  if (settings.fAdviceRules != nullptr) Advise(*settings.fAdviceRules, progress);
   if (verdict) std::rethrow_exception(verdict);
   information = fState->fInformation;
+}
+
+void CTambraPacker::Advise(const CAdviceRules& rules, CTambraPackProgress& progress) {
+  static constexpr std::array kPhases = {CPhase{GiveAdvice, ESituation::kVerifying}};
+  fState->fSettings.fAdviceRules = &rules;
+  RunPhases(kPhases, progress);
 }
 
 void CTambraPacker::Prepare(const CPackSettings& settings) {

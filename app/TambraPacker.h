@@ -43,6 +43,10 @@ class CTambraPacker : private IPackJobChecks {
   void Check(const CPackSettings& settings, CPackageInformation& information,
              CTambraPackProgress& progress);
 
+  /// Behind a Check that came to its verdict: gives advice on what it found, by rules that must
+  /// outlive the packer. Throws as GiveAdvice.
+  void Advise(const CAdviceRules& rules, CTambraPackProgress& progress);
+
   /// Shows the failure that Run or Check ended with as an alert; none for XAbort and XSilentAbort.
   void ShowFailure(const std::exception_ptr& failure) const;
 

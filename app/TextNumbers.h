@@ -136,10 +136,23 @@ inline constexpr CStringNumber kLookExternal{128, 604};
 inline constexpr CStringNumber kLookProhibited{128, 605};
 inline constexpr CStringNumber kLookUnreferenced{128, 606};
 inline constexpr CStringNumber kLookBadShortcut{128, 607};
+inline constexpr CStringNumber kLookBadRules{128, 608};
+inline constexpr CStringNumber kLookAdvice{128, 609};
 /// Of the first reason to leave a file out, those of the others follow it.
 inline constexpr CStringNumber kFirstLookLeftOut{128, 610};
 /// Of the first kind of remark, those of the others follow it.
 inline constexpr CStringNumber kFirstLookRemark{128, 670};
+/// What is wrong with the folder as a whole, with what helps.
+inline constexpr CStringNumber kLookNoName{128, 680};
+inline constexpr CStringNumber kLookNoNameHint{128, 681};
+inline constexpr CStringNumber kLookBadName{128, 682};
+inline constexpr CStringNumber kLookBadNameHint{128, 683};
+inline constexpr CStringNumber kLookNoSplash{128, 684};
+inline constexpr CStringNumber kLookBadSplash{128, 685};
+inline constexpr CStringNumber kLookSplashHint{128, 686};
+inline constexpr CStringNumber kLookBadVersion{128, 687};
+inline constexpr CStringNumber kLookVersionHint{128, 688};
+inline constexpr CStringNumber kLookVersionTooNew{128, 689};
 
 // Advice of a check
 inline constexpr CStringNumber kAdviceStageLine{128, 700};

@@ -76,7 +76,10 @@ QWidget* CContentsPanel::BuildFindings() {
   fDetail->setFixedHeight(fDetail->fontMetrics().lineSpacing() * 9 / 2);
   fDetail->setAccessibleName(Text(kTextFinding));
   connect(fFindings->selectionModel(), &QItemSelectionModel::currentChanged, this,
-          [this](const QModelIndex& index) { fDetail->setPlainText(fModel->Detail(index.row())); });
+          [this](const QModelIndex& index) {
+            fDetail->setPlainText(fModel->Detail(index.row()));
+            if (index.isValid()) fChosen = fModel->Finding(index.row());
+          });
   auto* const box = new QWidget;
   auto* const column = new QVBoxLayout(box);
   column->setContentsMargins(0, 0, 0, 0);
@@ -95,8 +98,11 @@ void CContentsPanel::Show(const SharedLook& look) {
     item->setTextAlignment(2, Qt::AlignRight);
   }
   fModel->SetLook(look);
-  fFindings->setCurrentIndex(fModel->index(0, 0));
-  fDetail->setPlainText(fModel->Detail(0));
+  const CFolderFinding chosen = fChosen;
+  const int row = qMax(0, fModel->RowOf(chosen));
+  fFindings->setCurrentIndex(fModel->index(row, 0));
+  fChosen = chosen;
+  fDetail->setPlainText(fModel->Detail(row));
 }
 
 QString CContentsPanel::Text(CStringNumber number) const { return ToQt(fTexts.Text(number)); }

@@ -34,6 +34,8 @@ class CContentsPanel : public QWidget {
   QTreeView* fFindings;
   CFindingsModel* fModel;
   QPlainTextEdit* fDetail;
+  /// By the user; it stays the current one when the folder is looked at again.
+  NSTambraPacking::CFolderFinding fChosen;
 };
 
 }  // namespace NSTambraGui

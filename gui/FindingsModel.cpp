@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QStyle>
+#include <algorithm>
 
 #include "app/PrintableText.h"
 #include "gui/QtText.h"
@@ -18,8 +19,7 @@ enum EColumn { kKind, kFile, kFinding, kColumns };
 
 QStyle::StandardPixmap IconOf(EFinding kind) {
   if (kind == EFinding::kProblem) return QStyle::SP_MessageBoxCritical;
-  return kind == EFinding::kLeftOut ? QStyle::SP_MessageBoxWarning
-                                    : QStyle::SP_MessageBoxInformation;
+  return kind == EFinding::kNote ? QStyle::SP_MessageBoxInformation : QStyle::SP_MessageBoxWarning;
 }
 
 }  // namespace
@@ -35,6 +35,11 @@ void CFindingsModel::SetLook(SharedLook look) {
 
 const CFolderFinding& CFindingsModel::Finding(int row) const {
   return fLook->fFindings[static_cast<std::size_t>(row)];
+}
+
+int CFindingsModel::RowOf(const CFolderFinding& finding) const {
+  const auto place = std::ranges::find(fLook->fFindings, finding);
+  return place == fLook->fFindings.end() ? -1 : static_cast<int>(place - fLook->fFindings.begin());
 }
 
 QString CFindingsModel::Detail(int row) const {

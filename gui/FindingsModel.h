@@ -19,6 +19,10 @@ class CFindingsModel : public QAbstractTableModel {
 
   void SetLook(SharedLook look);
 
+  const NSTambraPacking::CFolderFinding& Finding(int row) const;
+  /// -1 when there is no such finding.
+  int RowOf(const NSTambraPacking::CFolderFinding& finding) const;
+
   /// The whole finding, its file and hints on lines of their own; empty for a row that is not
   /// there.
   QString Detail(int row) const;
@@ -34,8 +38,6 @@ class CFindingsModel : public QAbstractTableModel {
   QString KindText(NSTambraPacking::EFinding kind) const;
 
   const NSTambraPacking::CTextResources& fTexts;
-  const NSTambraPacking::CFolderFinding& Finding(int row) const;
-
   SharedLook fLook;
 };
 

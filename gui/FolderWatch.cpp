@@ -93,20 +93,22 @@ void CFolderWatch::Look(const CTaskLink& link, const QString& folder, std::uint6
   settings.fJobs = std::max(1U, std::thread::hardware_concurrency() / 2);
   const auto library = CLQXLibrary::Find({}, NSTolbrook::ProgramFolder());
   settings.fSlicedLoopLibrary = library.get();
-  const auto look = std::make_shared<const CFolderLook>(
-      LookAtFolder(fTexts, settings,
-                   {[&link] { return link.StopRequested(); },
-                    [&](const CFolderLook& listed) {
-                      if (listed.fFingerprint == known) return false;
-                      link.Post([this, listed = std::make_shared<const CFolderLook>(listed),
-                                 paths = PathsToWatch(folder, listed),
-                                 splash = ReadPicture(SplashPath(folder))] {
-                        fFingerprint = 0;  // what is shown from now on has not been checked
-                        Watch(paths);
-                        emit Listed(listed, splash);
-                      });
-                      return true;
-                    }}));
+  CFolderLookReport report;
+  report.fStopRequested = [&link] { return link.StopRequested(); };
+  report.fListed = [&](const CFolderLook& listed) {
+    if (listed.fFingerprint == known) return false;
+    link.Post([this, listed = std::make_shared<const CFolderLook>(listed),
+               paths = PathsToWatch(folder, listed), splash = ReadPicture(SplashPath(folder))] {
+      fFingerprint = 0;  // what is shown from now on has not been checked
+      Watch(paths);
+      emit Listed(listed, splash);
+    });
+    return true;
+  };
+  report.fChecked = [&](const CFolderLook& checked) {
+    link.Post([this, look = std::make_shared<const CFolderLook>(checked)] { emit Checked(look); });
+  };
+  const auto look = std::make_shared<const CFolderLook>(LookAtFolder(fTexts, settings, report));
   if (look->fIsChecked) link.Post([this, look] { Take(look); });
 }
 

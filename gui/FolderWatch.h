@@ -32,6 +32,7 @@ class CFolderWatch : public QObject {
   /// The folder is listed; its check has begun. `splash` is a picture without pixels when there is
   /// none that can be read.
   void Listed(const SharedLook& look, const CSplashPicture& splash);
+  /// The check has come to its verdict; once more when there is advice as well.
   void Checked(const SharedLook& look);
 
  private:
@@ -43,7 +44,7 @@ class CFolderWatch : public QObject {
 
   const NSTambraPacking::CTextResources& fTexts;
   QString fFolder;
-  /// Of the last look that was checked to its end; 0 for none.
+  /// Of the last look that came to its end, advice and all; 0 for none.
   std::uint64_t fFingerprint = 0;
   bool fIsPaused = false;
   bool fIsAsked = false;  ///< to look again behind the present look

@@ -7,7 +7,6 @@
 #include <QScrollArea>
 #include <QSettings>
 #include <QVBoxLayout>
-#include <set>
 
 #include "Parts/TolbrookPackage/Core/Exception.h"
 
@@ -257,25 +256,12 @@ void CMainWindow::EndRun() {
   if (const CPackageInformation& packed = run->Information(); packed.fFileCount > 0) {
     fLastRun = Text(kTextLastRun, {packed.fName, Number(static_cast<qint64>(packed.fFileCount))});
   }
-  AddRemarks(run->Remarks());
   fWatch.SetPaused(false);
   UpdateState();
   if (run->Fault()) ShowFailure(run->Fault());
   if (run->WantsLog() && run->LogFile()) {
     fMenus->Open(QUrl::fromLocalFile(PathToQt(*run->LogFile())));
   }
-}
-
-void CMainWindow::AddRemarks(const std::vector<CFolderFinding>& remarks) {
-  if (remarks.empty() || !fLook->fIsChecked) return;
-  const auto look = std::make_shared<CFolderLook>(*fLook);
-  std::set<std::pair<std::u16string, std::u16string>> known;
-  for (const CFolderFinding& finding : look->fFindings) known.emplace(finding.fFile, finding.fText);
-  for (const CFolderFinding& remark : remarks) {
-    if (known.emplace(remark.fFile, remark.fText).second) look->fFindings.push_back(remark);
-  }
-  fLook = look;
-  fContents->Show(fLook);
 }
 
 void CMainWindow::ShowInformation(const CPackageInformation& information) {

@@ -75,8 +75,6 @@ class CMainWindow : public QMainWindow {
 
   void Create();
   void EndRun();
-  /// Some remarks are known only once the files have been packed.
-  void AddRemarks(const std::vector<NSTambraPacking::CFolderFinding>& remarks);
   void ShowInformation(const NSTambraPacking::CPackageInformation& information);
 
   /// False when the texts could not be saved.

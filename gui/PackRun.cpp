@@ -104,11 +104,6 @@ std::optional<NSTolbrook::NativePath> CPackRun::LogFile() const {
   return state->fLogFile->Path();
 }
 
-std::vector<CFolderFinding> CPackRun::Remarks() const {
-  const CPackJobState* const state = fPacker.State();
-  return state == nullptr ? std::vector<CFolderFinding>() : RemarksAsFindings(fTexts, *state);
-}
-
 CPackRun::CLines CPackRun::Lines() const {
   const std::lock_guard lock(fMutex);
   return fLines;

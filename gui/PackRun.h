@@ -9,7 +9,6 @@
 #include <thread>
 
 #include "app/AlertPresenter.h"
-#include "app/FolderLook.h"
 #include "app/PackJobState.h"
 #include "app/ProgressView.h"
 #include "app/TambraPacker.h"
@@ -48,8 +47,6 @@ class CPackRun : public QObject,
   std::optional<NSTolbrook::NativePath> LogFile() const;
   /// What kept the run from telling how it ended; null when nothing did.
   const std::exception_ptr& Fault() const { return fFault; }
-  /// What the run has to tell of files that it took.
-  std::vector<NSTambraPacking::CFolderFinding> Remarks() const;
   /// Of the package; without files when the run did not get to its end.
   const NSTambraPacking::CPackageInformation& Information() const { return fInformation; }
 

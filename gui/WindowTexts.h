@@ -38,7 +38,7 @@ inline constexpr CStringNumber kTextNoInput{128, 646};
 inline constexpr CStringNumber kTextNoOutput{128, 647};
 inline constexpr CStringNumber kTextOutputName{128, 648};
 /// Of the first kind of finding, those of the others follow it.
-inline constexpr CStringNumber kTextFirstKind{128, 651};
+inline constexpr CStringNumber kTextFirstKind{128, 691};
 inline constexpr CStringNumber kTextWholeFolder{128, 654};
 inline constexpr CStringNumber kTextSameForAll{128, 655};
 inline constexpr CStringNumber kTextStop{128, 656};

@@ -27,6 +27,8 @@ class CMainWindowTest : public QObject {
 
  private slots:
   void looksAtTheFolderAndAgainWhenItChanges();
+  void tellsAllFaultsAtOnceAndAdvice();
+  void endsALookWhoseReasonHasGone();
   void packsAndShowsEveryEnding();
   void tellsWhatEndsARun();
   void survivesMissingTexts();
@@ -59,7 +61,7 @@ void CMainWindowTest::looksAtTheFolderAndAgainWhenItChanges() {
   library.Without("c.wav").Without("a/p.dp01").Without("NAME.TXT");
   fs::create_directory(library.Input() / "new");
   QVERIFY(QTest::qWaitFor([&] { return window.State() == "Not ready (problems: 1)"; }, kPatience));
-  QCOMPARE(window.Findings().filter("Please specify a name").size(), 1);
+  QCOMPARE(window.Findings().filter("has no name. – Enter a name").size(), 1);
   QCOMPARE(window.fWindow.OutputName(), "output.tmb");
   // A folder that was empty when it was listed; a name that turns what follows; a bad shortcut.
   library.WithFile("NAME.TXT", "Kit").WithFile("new/\u202Ed.doc", "?");
@@ -68,6 +70,67 @@ void CMainWindowTest::looksAtTheFolderAndAgainWhenItChanges() {
   library.WithFile("new/s.lnk", "?");
   QVERIFY(QTest::qWaitFor([&] { return window.State() == "Not ready (problems: 1)"; }, kPatience));
   QVERIFY(window.Findings().front().startsWith("Problem|new/s.lnk|This shortcut"));
+}
+
+void CMainWindowTest::tellsAllFaultsAtOnceAndAdvice() {
+  NSTest::CLibrary library;
+  library.WithSample("x.wav").WithSample("y.wav").WithFile("c.wav", "RIFF").WithFile("s.lnk", "?");
+  library.WithFile("NAME.TXT", "a/b").WithFile("VERSION.TXT", "one").Without("Splash.jpg");
+  CTestWindow window;
+  window.Choose(library.Input(), library.Output());
+  QCOMPARE(window.State(), "Not ready (problems: 5)");
+  const QStringList expected = {
+      "Problem|The whole folder|The name “a/b” of the Tambra cannot be used",
+      "Problem|s.lnk|This shortcut leads nowhere",
+      "Problem|The whole folder|There is no splash image",
+      "Problem|The whole folder|The version “one” of the Tambra cannot be read. – A version",
+      "Problem|c.wav|This file cannot be verified.",
+      "Advice|y.wav|The same audio twice: the same as “x.wav” – Keep one"};
+  const auto shows = [&](const QStringList& rows) {
+    const QStringList found = window.Findings();
+    return std::ranges::equal(found, rows, [](const QString& finding, const QString& row) {
+      return finding.startsWith(row);
+    });
+  };
+  QVERIFY2(shows(expected), qPrintable(window.Findings().join('\n')));
+  window.Find<QTreeView>(kTextFindings)
+      .setCurrentIndex(window.Find<QTreeView>(kTextFindings).model()->index(4, 0));
+  library.WithSplash("Splash.jpg", 65).Without("s.lnk").Without("NAME.TXT");
+  library.WithFile("VERSION.TXT", "99").WithFile(".tambra-check", "off duplicate-audio");
+  QVERIFY(QTest::qWaitFor([&] { return window.Findings().join("").contains("64x64"); }, kPatience));
+  window.WaitForLook();
+  QVERIFY2(
+      shows({"Problem|Splash.jpg|The splash image (Splash.jpg) must be a JPEG with the size",
+             "Problem|The whole folder|The Tambra has no name.",
+             "Problem|The whole folder|The version 99 of the Tambra is later than", expected[4]}),
+      qPrintable(window.Findings().join('\n')));
+  QCOMPARE(window.Find<QTreeView>(kTextFindings).currentIndex().row(), 3);
+  library.WithFile(".tambra-check", "perhaps").WithFile("z.doc", "?");
+  QVERIFY(QTest::qWaitFor(
+      [&] { return window.Findings().filter("Advice|.tambra-check|The rules").size() == 1; },
+      kPatience));
+}
+
+void CMainWindowTest::endsALookWhoseReasonHasGone() {
+  NSTest::CLibrary library;
+  const CTextResources texts;
+  CFolderWatch watch(texts, nullptr);
+  const auto waits = [&] { return QTest::qWaitFor([&] { return !watch.IsLooking(); }, kPatience); };
+  watch.SetFolder(PathToQt(library.Input()));
+  QVERIFY(waits());
+  QSignalSpy checked(&watch, &CFolderWatch::Checked);
+  bool wasThere = false;
+  QObject::connect(&watch, &CFolderWatch::Listed, &watch, [&](const SharedLook& look) {
+    if (std::exchange(wasThere, true)) return;
+    QCOMPARE(look->fCount, std::size_t{3});
+    watch.SetPaused(true);
+    library.Without("z.doc");
+    watch.SetPaused(false);
+  });
+  library.WithFile("z.doc", "?");
+  watch.LookAgain();
+  QVERIFY(waits());
+  QVERIFY(wasThere && !checked.isEmpty());
 }
 
 void CMainWindowTest::packsAndShowsEveryEnding() {
