@@ -7,9 +7,12 @@
 #include "Parts/TolbrookPackage/Core/Exception.h"
 #include "Parts/TolbrookPackage/Core/Text.h"
 
+#include "tests/support/FaultText.h"
+
 namespace {
 
 using namespace NSTolbrook;
+using NSTest::FaultText;
 using namespace std::string_literals;
 using namespace std::string_view_literals;
 
@@ -45,23 +48,15 @@ TEST(Text, EachMaximalBadUtf8SubsequenceBecomesOneReplacement) {
 TEST(Text, LoneSurrogatesAreReplacedForDisplayAndRefusedForFiles) {
   for (const std::u16string& text :
        {u"a\xD834"s, u"\xDD1E"s + u"b", u"\xD834\xD834\xDD1E"s, u"\xDD1E\xD834"s}) {
-    try {
-      StrictUtf8FromText(text);
-      ADD_FAILURE();
-    } catch (const NSMordel::XFormatViolation& e) {
-      EXPECT_STREQ(e.what(), "High-surrogate missing! Broken Unicode");
-    }
+    EXPECT_EQ(FaultText<NSMordel::XFormatViolation>([&] { StrictUtf8FromText(text); }),
+              "High-surrogate missing! Broken Unicode");
   }
   EXPECT_EQ(Utf8FromText(u"\xD834\xD834\xDD1E\xDD1E"), "\xEF\xBF\xBD\xF0\x9D\x84\x9E\xEF\xBF\xBD");
   std::string bytes;
   AppendStrictUtf8(bytes, 0x10FFFF);
   EXPECT_EQ(bytes, "\xF4\x8F\xBF\xBF");
-  try {
-    AppendStrictUtf8(bytes, 0x110000);
-    FAIL();
-  } catch (const NSMordel::XFormatViolation& e) {
-    EXPECT_STREQ(e.what(), "Character code bigger than max Unicode");
-  }
+  EXPECT_EQ(FaultText<NSMordel::XFormatViolation>([&] { AppendStrictUtf8(bytes, 0x110000); }),
+            "Character code bigger than max Unicode");
 }
 
 TEST(Text, Windows1252CoversEveryByteBothWays) {

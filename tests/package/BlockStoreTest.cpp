@@ -120,16 +120,12 @@ TEST_F(BlockStoreTest, SmallItemsGoOnInANewStreamWhenTheirsIsRemoved) {
   }
 }
 
-TEST_F(BlockStoreTest, TheLastGenerationCannotBeFollowed) {
-  CBlockFile::Open(fMedia).WriteRootSlot(1, {0xFFFFFFFFFFFFFFFF, 0});
-  EXPECT_THROW(CBlockStore::Open(fMedia)->Commit(), NSMordel::XOutOfItems);
-}
-
-TEST_F(BlockStoreTest, TheLastIdentifierCannotBeFollowed) {
+TEST_F(BlockStoreTest, TheLastGenerationAndIdentifierCannotBeFollowed) {
   CBlockFile file = CBlockFile::Open(fMedia);
   const std::uint64_t chain[] = {0};
   WriteDirectoryChain(file, chain, SerialiseDirectory({{0xFFFFFFFF, {}}}));
-  file.WriteRootSlot(1, {100, 0});
+  file.WriteRootSlot(1, {0xFFFFFFFFFFFFFFFF, 0});
+  EXPECT_THROW(CBlockStore::Open(fMedia)->Commit(), NSMordel::XOutOfItems);
   EXPECT_THROW(CBlockStore::Open(fMedia)->NewStream(), NSMordel::XOutOfItems);
 }
 

@@ -116,14 +116,11 @@ const char* const kPublished =
     "0000000a 446f632030342e6f7073 0d 00000000 00000b64 00"
     "0000000b 446f632031302e64703033 13 00000b64 00000670 00";
 
-std::string FromHex(std::string_view hex) {
+std::string FromHex(std::string hex) {
+  std::erase(hex, ' ');
   std::string bytes;
-  std::string digits;
-  for (const char digit : hex) {
-    if (digit != ' ') digits += digit;
-    if (digits.size() < 2) continue;
-    bytes += static_cast<char>(std::stoi(digits, nullptr, 16));
-    digits.clear();
+  for (std::size_t i = 0; i < hex.size(); i += 2) {
+    bytes += static_cast<char>(std::stoi(hex.substr(i, 2), nullptr, 16));
   }
   return bytes;
 }

@@ -6,7 +6,9 @@
 #include "package/PackageReader.h"
 #include "tests/package/PackageFixture.h"
 #include "tests/support/AllocationWatch.h"
+#include "tests/support/Damage.h"
 #include "tests/support/FailingMedia.h"
+#include "tests/support/FaultText.h"
 
 namespace NSTambraPacking {
 namespace {
@@ -112,11 +114,8 @@ TEST(PackageReaderTest, HostilePackagesAreRefusedBeforeMemoryIsTaken) {
     test.fSpoil(parts);
     const auto package = parts.Write();
     NSTest::ResetLargestAllocation();
-    try {
-      ADD_FAILURE() << "accepted: " << List(package) << " instead of " << test.fMessage;
-    } catch (const NSMordel::XFormatViolation& failure) {
-      EXPECT_EQ(std::string(failure.what()).substr(0, test.fMessage.size()), test.fMessage);
-    }
+    const std::string fault = NSTest::FaultText<NSMordel::XFormatViolation>([&] { List(package); });
+    EXPECT_TRUE(fault.starts_with(test.fMessage)) << fault << " instead of " << test.fMessage;
     EXPECT_LE(NSTest::LargestAllocation(), kPackageBufferLength);
   }
 }
@@ -124,13 +123,8 @@ TEST(PackageReaderTest, HostilePackagesAreRefusedBeforeMemoryIsTaken) {
 TEST(PackageReaderTest, LaterVersionIsNamedBesideTheSupportedOne) {
   CParts parts;
   parts.fHeader.fVersion = {1, 3, 0};
-  try {
-    CPackageReader reader(parts.Write());
-    FAIL() << "accepted";
-  } catch (const NSMordel::XVersionTooNew& failure) {
-    EXPECT_STREQ(failure.what(),
-                 "the package has version 1.3.0, the newest supported version is 1.2.0");
-  }
+  EXPECT_EQ(NSTest::FaultText<NSMordel::XVersionTooNew>([&] { CPackageReader{parts.Write()}; }),
+            "the package has version 1.3.0, the newest supported version is 1.2.0");
 }
 
 /// Reads everything; returns false when the package is refused. Other failures pass through.
@@ -154,14 +148,8 @@ TEST(PackageReaderTest, CutOrFlippedPackagesAreReadOrRefusedInBoundedMemory) {
   composing.Compose(NSTest::ExampleEntries(), output);
   const Bytes& whole = output.Bytes();
   ASSERT_TRUE(ReadsToTheEnd(whole));
-  for (std::size_t length = 0; length < whole.size(); ++length) {
-    EXPECT_FALSE(ReadsToTheEnd({whole.begin(), whole.begin() + std::ptrdiff_t(length)})) << length;
-  }
-  for (std::size_t bit = 0; bit < 8 * whole.size(); ++bit) {
-    Bytes flipped = whole;
-    flipped[bit / 8] ^= static_cast<std::uint8_t>(1u << bit % 8);
-    ReadsToTheEnd(flipped);
-  }
+  NSTest::ForEachCut(whole, [](const Bytes& cut) { EXPECT_FALSE(ReadsToTheEnd(cut)); });
+  NSTest::ForEachTurnedBit(whole, ReadsToTheEnd);
 }
 
 TEST(PackageReaderTest, BrokenMediumIsAFailureToRead) {

@@ -5,6 +5,7 @@
 #include "package/PackageVerifier.h"
 #include "tests/package/PackageFixture.h"
 #include "tests/support/FailingMedia.h"
+#include "tests/support/FaultText.h"
 
 namespace NSTambraPacking {
 namespace {
@@ -57,12 +58,7 @@ class PackageVerifierTest : public testing::Test {
     return Verify(verifier);
   }
   std::string Refusal() {
-    try {
-      Verify(fVerifier);
-      return "accepted";
-    } catch (const NSMordel::XFormatViolation& failure) {
-      return failure.what();
-    }
+    return NSTest::FaultText<NSMordel::XFormatViolation>([&] { Verify(fVerifier); });
   }
 
   std::shared_ptr<CMemoryMedia> fPackage = std::make_shared<CMemoryMedia>();
@@ -181,12 +177,9 @@ TEST_F(PackageVerifierTest, StopRequestIsSeenAtTheStartAndBeforeEachEntry) {
     CRecordingProgress progress;
     progress.fStopAt = i;
     CScriptedVerifier verifier;
-    try {
-      CPackageVerifier(verifier, &fJob, &progress).Verify(fPackage, fOptions);
-      ADD_FAILURE() << "not stopped at " << i;
-    } catch (const NSMordel::XSilentAbort& failure) {
-      EXPECT_STREQ(failure.what(), "User aborted");
-    }
+    const CPackageVerifier verification(verifier, &fJob, &progress);
+    const auto verify = [&] { verification.Verify(fPackage, fOptions); };
+    EXPECT_EQ(NSTest::FaultText<NSMordel::XSilentAbort>(verify), "User aborted") << i;
     EXPECT_EQ(progress.fReports.back(), "cleared");
     EXPECT_EQ(verifier.fCalls.size(), i == 0 ? 0 : i - 1);
   }
