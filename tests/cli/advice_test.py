@@ -7,25 +7,13 @@ import os
 import pathlib
 import re
 import struct
-import subprocess
 import sys
-import tempfile
 import unittest
 
-PROGRAM, DOCS = map(os.path.abspath, sys.argv[1:3])
-BASE = pathlib.Path(tempfile.mkdtemp(prefix="tambra-advice-"))
-ENVIRONMENT = {**os.environ, "LC_ALL": "C.UTF-8", "XDG_CACHE_HOME": str(BASE / "cache")}
+from program import BASE, crafted, run_tests, tambra
+
+DOCS = os.path.abspath(sys.argv[2])
 RATE = 8000
-
-
-def tambra(*arguments):
-    done = subprocess.run([PROGRAM, *map(str, arguments)], cwd=BASE, env=ENVIRONMENT,
-                          stdin=subprocess.DEVNULL, capture_output=True, timeout=120)
-    return done.returncode, done.stdout.decode().splitlines(), done.stderr.decode().splitlines()
-
-
-def chunk(name, data):
-    return struct.pack("<4sI", name, len(data)) + data + bytes(len(data) % 2)
 
 
 def wave(values, bits=16, key=None, loop=None, junk=b""):
@@ -34,13 +22,12 @@ def wave(values, bits=16, key=None, loop=None, junk=b""):
     integers = [max(-top, min(top - 1, round(v * top))) for v in values]
     data = (struct.pack(f"<{len(values)}f", *values) if bits == 32 else
             b"".join(v.to_bytes(bits // 8, "little", signed=True) for v in integers))
-    form = struct.pack("<HHIIHH", 3 if bits == 32 else 1, 1, RATE, RATE * bits // 8, bits // 8, bits)
-    chunks = chunk(b"fmt ", form) + junk + chunk(b"data", data)
+    smpl = b""
     if key is not None or loop:
         loops = struct.pack("<6I", 0, 0, loop[0], loop[1] - 1, 0, 0) if loop else b""
-        chunks += chunk(b"smpl", struct.pack("<9I", 0, 0, 0, 60 if key is None else key, 0, 0, 0,
-                                             bool(loop), 0) + loops)
-    return chunk(b"RIFF", b"WAVE" + chunks)
+        smpl = crafted.riff_chunk(b"smpl", struct.pack("<9I", 0, 0, 0, 60 if key is None else key, 0, 0,
+                                                       0, bool(loop), 0) + loops)
+    return crafted.wave_file(data, 3 if bits == 32 else 1, bits, RATE, junk, smpl)
 
 
 def sine(frequency, level=0.5, seconds=1.0, offset=0.0):
@@ -69,7 +56,7 @@ FILES = {
     "Bad/無音.wav": wave([1 / 32768, 0] * 4000),
     "Bad/was?/eins.wav": wave([0.2] * 300),
     "Bad/was?/zwei.wav": wave([0.3] * 300),
-    "Copy/twin.wav": wave(TONE, bits=24, junk=chunk(b"LIST", b"INFO")),
+    "Copy/twin.wav": wave(TONE, bits=24, junk=crafted.riff_chunk(b"LIST", b"INFO")),
     "Fine/normal.wav": wave(sine(20, 1.0)),
     "Fine/pulse.wav": wave([1.0 if i // 40 % 2 else -1.0 for i in range(8000)]),
     "Fine/kick.wav": wave([math.exp(-i / 800) * math.sin(12 * (1 - math.exp(-i / 400)))
@@ -231,4 +218,4 @@ class AdviceTest(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=[sys.argv[0], *sys.argv[3:]])
+    run_tests(2)

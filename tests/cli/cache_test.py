@@ -4,42 +4,26 @@ cache holds and whatever becomes of it, the package is the one that is packed wi
 
 import json
 import os
-import pathlib
 import random
 import shutil
 import signal
 import struct
 import subprocess
-import sys
-import tempfile
 import time
 import unittest
 
-PROGRAM = os.path.abspath(sys.argv[1])
-BASE = pathlib.Path(tempfile.mkdtemp(prefix="tambra-cache-"))
-HOME = BASE / "home"
+from program import BASE, ENVIRONMENT, PROGRAM, crafted, run_tests, tambra
+
+HOME = BASE / "cache"
 CACHE = HOME / "tambra" / "samples.cache"
 LIBRARY = BASE / "library"
-ENVIRONMENT = {**os.environ, "XDG_CACHE_HOME": str(HOME), "TZ": "UTC", "LC_ALL": "C.UTF-8"}
-ENVIRONMENT.pop("TAMBRA_CACHE_LIMIT", None)
 SAMPLES = 20
 NOT_USED = "The cache of packed samples is not used: "
 BEGUN_ANEW = "The cache of packed samples was damaged or of another version and has been begun anew."
 
 
 def wave(frames, seed):
-    data = random.Random(seed).randbytes(2 * frames)
-    form = struct.pack("<4sIHHIIHH", b"fmt ", 16, 1, 1, 44100, 88200, 2, 16)
-    return (struct.pack("<4sI4s", b"RIFF", 36 + len(data), b"WAVE") + form +
-            struct.pack("<4sI", b"data", len(data)) + data)
-
-
-def float_wave():
-    """A sample that is converted, which the run remarks."""
-    data = struct.pack("<500f", *(i / 500 for i in range(500)))
-    form = struct.pack("<4sIHHIIHH", b"fmt ", 16, 3, 1, 44100, 176400, 4, 32)
-    return (struct.pack("<4sI4s", b"RIFF", 36 + len(data), b"WAVE") + form +
-            struct.pack("<4sI", b"data", len(data)) + data)
+    return crafted.wave_file(random.Random(seed).randbytes(2 * frames))
 
 
 def start(*arguments, out="out", **more):
@@ -73,9 +57,8 @@ def pack(*arguments, out="out", **more):
 
 
 def cache(*arguments, **more):
-    done = subprocess.run([PROGRAM, "cache", *arguments, "--json"], env={**ENVIRONMENT, **more},
-                          capture_output=True, timeout=60)
-    return done.returncode, json.loads(done.stdout) if done.stdout else None
+    status, output, _ = tambra("cache", *arguments, "--json", **more)
+    return status, json.loads(output[0]) if output else None
 
 
 class CacheTest(unittest.TestCase):
@@ -83,7 +66,7 @@ class CacheTest(unittest.TestCase):
 
     @classmethod
     def setUpClass(cls):
-        subprocess.run([PROGRAM, "demo", str(BASE / "demo")], check=True, capture_output=True)
+        tambra("demo", "demo")
         LIBRARY.mkdir()
         shutil.copy(BASE / "demo" / "Splash.jpg", LIBRARY)
         for name in ("NAME", "COPYRIGHT", "URL", "COMMENTS"):
@@ -91,7 +74,8 @@ class CacheTest(unittest.TestCase):
         for number in range(SAMPLES - 2):
             (LIBRARY / f"{number:02}.wav").write_bytes(wave(500 + number * 1500, number))
         shutil.copy(LIBRARY / "03.wav", LIBRARY / "same.wav")  # of the same bytes
-        (LIBRARY / "float.wav").write_bytes(float_wave())
+        values = struct.pack("<500f", *(i / 500 for i in range(500)))
+        (LIBRARY / "float.wav").write_bytes(crafted.wave_file(values, tag=3, bits=32))  # is remarked
         cls.plain = pack("--no-cache")
         assert cls.plain.status == 0 and cls.plain.cache is None and not HOME.exists()
 
@@ -258,12 +242,9 @@ class CacheTest(unittest.TestCase):
         self.assertEqual(2, cache("burn")[0])
         much = {"TAMBRA_CACHE_LIMIT": "much"}
         self.assertEqual((2, 0), (cache(**much)[0], cache("--cache-limit", "7", **much)[0]))
-        other = [PROGRAM, "check", "--list-advice", "--quiet"]  # has nothing to do with the cache
-        self.assertEqual(0, subprocess.run(other, env={**ENVIRONMENT, **much}, capture_output=True).returncode)
+        # What has nothing to do with the cache.
+        self.assertEqual(0, tambra("check", "--list-advice", "--quiet", **much)[0])
 
 
 if __name__ == "__main__":
-    try:
-        unittest.main(argv=[sys.argv[0], *sys.argv[2:]])
-    finally:
-        shutil.rmtree(BASE, ignore_errors=True)
+    run_tests(1)

@@ -16,31 +16,32 @@ import termios
 import time
 import unittest
 
+sys.path.append(str(pathlib.Path(__file__).resolve().parent.parent / "support"))
+import crafted
+
 PROGRAM = os.path.abspath(sys.argv[1])
 BASE = pathlib.Path(tempfile.mkdtemp(prefix="tambra-cli-"))
 PACKAGE = "Große Demo-Sammlung.tmb"
 ENVIRONMENT = {**os.environ, "TZ": "UTC", "LC_ALL": "C.UTF-8",
                "XDG_CACHE_HOME": str(BASE / "cache")}
-ENVIRONMENT.pop("TAMBRA_LQX_LIBRARY", None)
+for variable in ("TAMBRA_LQX_LIBRARY", "TAMBRA_CACHE_LIMIT"):
+    ENVIRONMENT.pop(variable, None)
 
 
-def tambra(*arguments, **more):
-    """Status, lines of standard output, lines of standard error."""
-    environment = {**ENVIRONMENT, **more}
-    done = subprocess.run([PROGRAM, *map(str, arguments)], cwd=BASE, env=environment,
-                          stdin=subprocess.DEVNULL, capture_output=True, timeout=120)
-    return done.returncode, done.stdout.decode().splitlines(), done.stderr.decode().splitlines()
+def tambra(*arguments, output=subprocess.PIPE, **more):
+    """Status, lines of standard output, lines of standard error; `more` is put into the
+    environment."""
+    done = subprocess.run([PROGRAM, *map(str, arguments)], cwd=BASE, env={**ENVIRONMENT, **more},
+                          stdin=subprocess.DEVNULL, stdout=output, stderr=subprocess.PIPE, timeout=120)
+    return done.returncode, (done.stdout or b"").decode().splitlines(), done.stderr.decode().splitlines()
 
 
 def wave(frames, value=0, seed=None):
-    if seed is not None:
-        data = b"".join(struct.pack("<I", (seed * 2654435761 + i * 40503 * (i ^ seed)) % 2**32)
-                        for i in range(frames // 2))
-    else:
-        data = struct.pack("<h", value) * frames
-    form = struct.pack("<4sIHHIIHH", b"fmt ", 16, 1, 1, 44100, 88200, 2, 16)
-    return (struct.pack("<4sI4s", b"RIFF", 28 + 8 + len(data), b"WAVE") + form +
-            struct.pack("<4sI", b"data", len(data)) + data)
+    if seed is None:
+        return crafted.wave_file(struct.pack("<h", value) * frames)
+    return crafted.wave_file(b"".join(
+        struct.pack("<I", (seed * 2654435761 + i * 40503 * (i ^ seed)) % 2**32)
+        for i in range(frames // 2)))
 
 
 def library(name, files):
@@ -61,17 +62,10 @@ def tree(folder):
 
 def package(name, entries, comment="c", version=(1, 0, 0)):
     """A package of entries (path, type, bytes), made by hand."""
-    field = lambda text: struct.pack(">I", len(text)) + text
-    index, data = b"", b""
-    for path, type_, content in entries:
-        index += field(b"\xef\xbb\xbf" + path.encode("utf-8", "surrogatepass"))
-        index += struct.pack(">BIIB", type_, len(data), len(content), 1)
-        data += content
-    texts = b"".join(field(text.encode()) for text in ("Hand", comment, "u", "me"))
-    start = len(texts) + 12 + 5 + 8
+    made = [crafted.Entry(path, content, type_) for path, type_, content in entries]
     file = BASE / name
-    file.write_bytes(texts + struct.pack(">III", len(entries), start, start + len(index)) +
-                     b"\xbc\x01" + bytes(version[1:]) + b"\0" + bytes(8) + index + data)
+    file.write_bytes(crafted.package(*made, name=b"Hand", comment=comment.encode(),
+                                     version=b"\xbc\x01" + bytes(version[1:]) + b"\0"))
     return file
 
 

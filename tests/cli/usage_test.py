@@ -2,36 +2,16 @@
 """What a user is told who uses the program wrongly, and what else it owes its users:
 usage_test.py PROGRAM."""
 
-import os
-import pathlib
-import shutil
 import subprocess
-import sys
-import tempfile
-import unittest
 
-PROGRAM = os.path.abspath(sys.argv[1])
-BASE = pathlib.Path(tempfile.mkdtemp(prefix="tambra-usage-"))
-PACKAGE = "out/Große Demo-Sammlung.tmb"
+import program
+from program import BASE, ENVIRONMENT, PROGRAM, ProgramTest, run_tests, tambra
+
+PACKAGE = f"out/{program.PACKAGE}"
 GONE = "The Operation could not be completed because the file system object was not found."
 
 
-def tambra(*arguments, output=subprocess.PIPE):
-    """Status, lines of standard output, lines of standard error."""
-    done = subprocess.run([PROGRAM, *map(str, arguments)], cwd=BASE, stdin=subprocess.DEVNULL,
-                          stdout=output, stderr=subprocess.PIPE, timeout=60,
-                          env={**os.environ, "TZ": "UTC", "LC_ALL": "C.UTF-8",
-                               "XDG_CACHE_HOME": str(BASE / "cache")})
-    return done.returncode, (done.stdout or b"").decode().splitlines(), done.stderr.decode().splitlines()
-
-
-class UsageTest(unittest.TestCase):
-    maxDiff = None
-
-    @classmethod
-    def setUpClass(cls):
-        assert tambra("demo", "demo")[0] == 0 and tambra("pack", "demo", "out")[0] == 0
-
+class UsageTest(ProgramTest):
     def test_wrong_use_is_told_with_the_command_and_what_was_meant(self):
         jobs = "--jobs: \"{}\" is no number from 1 to 1024"
         for arguments, command, message in (
@@ -137,7 +117,7 @@ class UsageTest(unittest.TestCase):
 
     def test_files_are_not_taken_for_streams_that_are_closed(self):
         done = subprocess.run(f'"{PROGRAM}" pack demo closed --no-cache <&- >&- 2>&-', shell=True, cwd=BASE,
-                              check=False, env={**os.environ, "LC_ALL": "C.UTF-8"})
+                              check=False, env=ENVIRONMENT)
         self.assertEqual(done.returncode, 0)
         self.assertEqual((BASE / "closed" / PACKAGE[4:]).read_bytes(), (BASE / PACKAGE).read_bytes())
         self.assertEqual([path.read_text() for path in (BASE / "closed").glob("*.txt")], ["Packing complete\n"])
@@ -152,7 +132,4 @@ class UsageTest(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    try:
-        unittest.main(argv=sys.argv[:1] + sys.argv[2:])
-    finally:
-        shutil.rmtree(BASE)
+    run_tests(1)

@@ -28,7 +28,9 @@
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <sys/syscall.h>
+#include <type_traits>
 #include <unistd.h>
+#include <utility>
 
 namespace {
 
@@ -94,27 +96,15 @@ struct CState {
 };
 CState gState;
 
+/// What the trace calls a call; the others are of no interest there.
 const char* NameOf(ECall call) {
-  switch (call) {
-    case kOpen:
-      return "open";
-    case kCreate:
-      return "create";
-    case kRead:
-      return "read";
-    case kWrite:
-      return "write";
-    case kFlush:
-      return "flush";
-    case kClose:
-      return "close";
-    case kRename:
-      return "rename";
-    case kRemove:
-      return "remove";
-    default:
-      return "other";
+  constexpr std::pair<ECall, const char*> kNames[] = {
+      {kOpen, "open"},   {kCreate, "create"}, {kRead, "read"},     {kWrite, "write"},
+      {kFlush, "flush"}, {kClose, "close"},   {kRename, "rename"}, {kRemove, "remove"}};
+  for (const auto& [known, name] : kNames) {
+    if (known == call) return name;
   }
+  return "other";
 }
 
 /// Appends a line to the trace with a call of the system's own, in one piece.
@@ -211,7 +201,22 @@ Function* Next(const char* name) {
   return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
 }
 
-int OpenAt(int folder, const char* path, int flags, mode_t mode) {
+/// The result of the system's own function, which has the name of this `Function`, or a failure
+/// in its place.
+template <auto Function, class... Arguments>
+auto Pass(const char* name, bool fails, Arguments... arguments) {
+  using Result = decltype(Function(arguments...));
+  static auto* const next = Next<Result(Arguments...)>(name);
+  if constexpr (std::is_pointer_v<Result>) {
+    return fails ? Fail<Result>(nullptr) : next(arguments...);
+  } else {
+    return fails ? Fail<Result>(-1) : next(arguments...);
+  }
+}
+
+/// The mode is there only when something is made.
+int OpenAt(int folder, const char* path, int flags, va_list arguments) {
+  const mode_t mode = (flags & O_CREAT) != 0 ? static_cast<mode_t>(va_arg(arguments, int)) : 0;
   static auto* const next = Next<int(int, const char*, int, mode_t)>("openat");
   const bool below = IsBelow(path) || IsWatched(folder);
   if (below && IsHit((flags & O_CREAT) != 0 ? kCreate : kOpen)) return Fail(-1);
@@ -219,10 +224,6 @@ int OpenAt(int folder, const char* path, int flags, mode_t mode) {
   Watch(descriptor, below);
   if (below) Trace((flags & O_CREAT) != 0 ? kCreate : kOpen, descriptor, path);
   return descriptor;
-}
-
-mode_t ModeOf(int flags, va_list arguments) {
-  return (flags & O_CREAT) != 0 ? static_cast<mode_t>(va_arg(arguments, int)) : 0;
 }
 
 /// A transfer that is cut to one byte, or does not take place.
@@ -251,23 +252,22 @@ int __libc_start_main(int (*main)(int, char**, char**), int count, char** argume
 int open(const char* path, int flags, ...) {
   va_list arguments;
   va_start(arguments, flags);
-  const mode_t mode = ModeOf(flags, arguments);
+  const int descriptor = OpenAt(AT_FDCWD, path, flags, arguments);
   va_end(arguments);
-  return OpenAt(AT_FDCWD, path, flags, mode);
+  return descriptor;
 }
 int openat(int folder, const char* path, int flags, ...) {
   va_list arguments;
   va_start(arguments, flags);
-  const mode_t mode = ModeOf(flags, arguments);
+  const int descriptor = OpenAt(folder, path, flags, arguments);
   va_end(arguments);
-  return OpenAt(folder, path, flags, mode);
+  return descriptor;
 }
 
 int close(int descriptor) {
-  static auto* const next = Next<int(int)>("close");
   const bool fails = FailsAt(descriptor, kClose);
   Watch(descriptor, false);
-  const int result = next(descriptor);  // a close that fails has closed all the same
+  const int result = Pass<close>("close", false, descriptor);  // what fails has closed all the same
   return fails ? Fail(-1) : result;
 }
 
@@ -300,103 +300,77 @@ ssize_t copy_file_range(int from, off_t* start, int to, off_t* offset, size_t le
 }
 
 int ftruncate(int descriptor, off_t size) {
-  static auto* const next = Next<int(int, off_t)>("ftruncate");
-  return FailsAt(descriptor, kWrite) && !IsShort() ? Fail(-1) : next(descriptor, size);
+  const bool fails = FailsAt(descriptor, kWrite) && !IsShort();
+  return Pass<ftruncate>("ftruncate", fails, descriptor, size);
 }
 int fallocate(int descriptor, int mode, off_t offset, off_t length) {
-  static auto* const next = Next<int(int, int, off_t, off_t)>("fallocate");
-  return FailsAt(descriptor, kWrite) && !IsShort() ? Fail(-1)
-                                                   : next(descriptor, mode, offset, length);
+  const bool fails = FailsAt(descriptor, kWrite) && !IsShort();
+  return Pass<fallocate>("fallocate", fails, descriptor, mode, offset, length);
 }
-int fsync(int descriptor) {
-  static auto* const next = Next<int(int)>("fsync");
-  return FailsAt(descriptor, kFlush) ? Fail(-1) : next(descriptor);
-}
+int fsync(int descriptor) { return Pass<fsync>("fsync", FailsAt(descriptor, kFlush), descriptor); }
 int fdatasync(int descriptor) {
-  static auto* const next = Next<int(int)>("fdatasync");
-  return FailsAt(descriptor, kFlush) ? Fail(-1) : next(descriptor);
+  return Pass<fdatasync>("fdatasync", FailsAt(descriptor, kFlush), descriptor);
 }
 
 int rename(const char* from, const char* to) {
-  static auto* const next = Next<int(const char*, const char*)>("rename");
-  return FailsAt(to, kRename, from) ? Fail(-1) : next(from, to);
+  return Pass<rename>("rename", FailsAt(to, kRename, from), from, to);
 }
 int renameat(int fromFolder, const char* from, int toFolder, const char* to) {
-  static auto* const next = Next<int(int, const char*, int, const char*)>("renameat");
   const bool fails = FailsAt(to, kRename, from) || FailsAt(toFolder, kRename, to);
-  return fails ? Fail(-1) : next(fromFolder, from, toFolder, to);
+  return Pass<renameat>("renameat", fails, fromFolder, from, toFolder, to);
 }
-int unlink(const char* path) {
-  static auto* const next = Next<int(const char*)>("unlink");
-  return FailsAt(path, kRemove) ? Fail(-1) : next(path);
-}
+int unlink(const char* path) { return Pass<unlink>("unlink", FailsAt(path, kRemove), path); }
 int unlinkat(int folder, const char* path, int flags) {
-  static auto* const next = Next<int(int, const char*, int)>("unlinkat");
   const bool fails = FailsAt(path, kRemove) || FailsAt(folder, kRemove, path);
-  return fails ? Fail(-1) : next(folder, path, flags);
+  return Pass<unlinkat>("unlinkat", fails, folder, path, flags);
 }
 int mkdir(const char* path, mode_t mode) {
-  static auto* const next = Next<int(const char*, mode_t)>("mkdir");
-  return FailsAt(path, kCreate) ? Fail(-1) : next(path, mode);
+  return Pass<mkdir>("mkdir", FailsAt(path, kCreate), path, mode);
 }
 int mkdirat(int folder, const char* path, mode_t mode) {
-  static auto* const next = Next<int(int, const char*, mode_t)>("mkdirat");
   const bool fails = FailsAt(path, kCreate) || FailsAt(folder, kCreate, path);
-  return fails ? Fail(-1) : next(folder, path, mode);
+  return Pass<mkdirat>("mkdirat", fails, folder, path, mode);
 }
 int linkat(int fromFolder, const char* from, int toFolder, const char* to, int flags) {
-  static auto* const next = Next<int(int, const char*, int, const char*, int)>("linkat");
   const bool fails = FailsAt(to, kCreate, from) || FailsAt(toFolder, kCreate, to);
-  return fails ? Fail(-1) : next(fromFolder, from, toFolder, to, flags);
+  return Pass<linkat>("linkat", fails, fromFolder, from, toFolder, to, flags);
 }
 int flock(int descriptor, int operation) {
-  static auto* const next = Next<int(int, int)>("flock");
-  return FailsAt(descriptor, kLock) ? Fail(-1) : next(descriptor, operation);
+  return Pass<flock>("flock", FailsAt(descriptor, kLock), descriptor, operation);
 }
 
 ssize_t readlink(const char* path, char* target, size_t length) {
-  static auto* const next = Next<ssize_t(const char*, char*, size_t)>("readlink");
-  return FailsAt(path, kStatus) ? Fail<ssize_t>(-1) : next(path, target, length);
+  return Pass<readlink>("readlink", FailsAt(path, kStatus), path, target, length);
 }
 char* realpath(const char* path, char* target) {
-  static auto* const next = Next<char*(const char*, char*)>("realpath");
-  return FailsAt(path, kStatus) ? Fail<char*>(nullptr) : next(path, target);
+  return Pass<realpath>("realpath", FailsAt(path, kStatus), path, target);
 }
 int statvfs(const char* path, struct statvfs* status) {
-  static auto* const next = Next<int(const char*, struct statvfs*)>("statvfs");
-  return FailsAt(path, kStatus) ? Fail(-1) : next(path, status);
+  return Pass<statvfs>("statvfs", FailsAt(path, kStatus), path, status);
 }
-
 int fstat(int descriptor, struct stat* status) {
-  static auto* const next = Next<int(int, struct stat*)>("fstat");
-  return FailsAt(descriptor, kStatus) ? Fail(-1) : next(descriptor, status);
+  return Pass<fstat>("fstat", FailsAt(descriptor, kStatus), descriptor, status);
 }
 int fstatat(int folder, const char* path, struct stat* status, int flags) {
-  static auto* const next = Next<int(int, const char*, struct stat*, int)>("fstatat");
   const bool fails = FailsAt(path, kStatus) || FailsAt(folder, kStatus);
-  return fails ? Fail(-1) : next(folder, path, status, flags);
+  return Pass<fstatat>("fstatat", fails, folder, path, status, flags);
 }
 int stat(const char* path, struct stat* status) {
-  static auto* const next = Next<int(const char*, struct stat*)>("stat");
-  return FailsAt(path, kStatus) ? Fail(-1) : next(path, status);
+  return Pass<stat>("stat", FailsAt(path, kStatus), path, status);
 }
 
 DIR* opendir(const char* path) {
-  static auto* const next = Next<DIR*(const char*)>("opendir");
   const bool below = IsBelow(path);
-  if (below && IsHit(kOpen)) return Fail<DIR*>(nullptr);
-  DIR* const folder = next(path);
+  DIR* const folder = Pass<opendir>("opendir", below && IsHit(kOpen), path);
   if (folder != nullptr) Watch(::dirfd(folder), below);
   return folder;
 }
 struct dirent* readdir(DIR* folder) {
-  static auto* const next = Next<struct dirent*(DIR*)>("readdir");
-  return FailsAt(::dirfd(folder), kList) ? Fail<struct dirent*>(nullptr) : next(folder);
+  return Pass<readdir>("readdir", FailsAt(::dirfd(folder), kList), folder);
 }
 int closedir(DIR* folder) {
-  static auto* const next = Next<int(DIR*)>("closedir");
   Watch(::dirfd(folder), false);
-  return next(folder);
+  return Pass<closedir>("closedir", false, folder);
 }
 
 int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*run)(void*),

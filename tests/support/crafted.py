@@ -16,6 +16,17 @@ def u64(value):
     return struct.pack(">Q", value % 2**64)
 
 
+def riff_chunk(name, data):
+    return struct.pack("<4sI", name, len(data)) + data + bytes(len(data) % 2)
+
+
+def wave_file(data, tag=1, bits=16, rate=44100, before=b"", behind=b""):
+    """A mono WAVE file of these sample bytes, with chunks before and behind them."""
+    form = struct.pack("<HHIIHH", tag, 1, rate, rate * bits // 8, bits // 8, bits)
+    return riff_chunk(b"RIFF", b"WAVE" + riff_chunk(b"fmt ", form) + before +
+                      riff_chunk(b"data", data) + behind)
+
+
 def field(text, length=None):
     """A text field; `text` are its bytes, or a text that becomes UTF-8 with its mark."""
     if isinstance(text, str):
