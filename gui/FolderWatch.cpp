@@ -17,9 +17,12 @@ namespace NSTambraGui {
 namespace {
 
 using namespace NSTambraPacking;
+using NSTolbrook::CFileIdentity;
 
 /// Changes come in swarms.
 constexpr int kDelay = 400;  // milliseconds
+/// At most so often it is looked whether the folder is there, in one where much goes on.
+constexpr int kParentDelay = 200;
 /// The system's watches are few and belong to all programs.
 constexpr std::size_t kMostFolders = 2000;
 
@@ -39,11 +42,20 @@ QStringList PathsToWatch(const QString& folder, const CFolderLook& look) {
 }  // namespace
 
 CFolderWatch::CFolderWatch(const CTextResources& texts, QObject* parent)
-    : QObject(parent), fTexts(texts), fTask(this) {
+    : QObject(parent), fTexts(texts), fTask(this), fParentTask(this) {
   fDelay.setSingleShot(true);
   fDelay.setInterval(kDelay);
   connect(&fDelay, &QTimer::timeout, this, &CFolderWatch::Start);
-  const auto changed = [this] { fDelay.start(); };
+  fParentDelay.setSingleShot(true);
+  fParentDelay.setInterval(kParentDelay);
+  connect(&fParentDelay, &QTimer::timeout, this, &CFolderWatch::LookAtParent);
+  const auto changed = [this](const QString& path) {
+    if (path != fParent) {
+      fDelay.start();
+    } else if (!fParentDelay.isActive()) {
+      fParentDelay.start();
+    }
+  };
   connect(&fWatcher, &QFileSystemWatcher::directoryChanged, this, changed);
   connect(&fWatcher, &QFileSystemWatcher::fileChanged, this, changed);
 }
@@ -53,8 +65,12 @@ void CFolderWatch::SetFolder(const QString& folder) {
   fFingerprint = 0;
   fTask.Stop();
   fDelay.stop();
-  const QStringList watched = fWatcher.directories() + fWatcher.files();
-  if (!watched.isEmpty()) fWatcher.removePaths(watched);
+  Unwatch({});
+  fParent.clear();
+  fIdentity = {};
+  fParentDelay.stop();
+  fParentTask.Stop();
+  if (!folder.isEmpty()) LookAtParent();
   Start();
 }
 
@@ -84,6 +100,28 @@ void CFolderWatch::Start() {
                 if (failure) TakeFailure(failure);
                 if (std::exchange(fIsAsked, false)) fDelay.start();
               });
+}
+
+void CFolderWatch::LookAtParent() {
+  const auto work = [this, folder = fFolder](const CTaskLink& link) {
+    const QString parent = QFileInfo(folder).path();
+    const bool isInside = parent != folder && QFileInfo(parent).isDir();
+    const CFileIdentity identity = NSTolbrook::FileStatus(PathFromQt(folder), true).fIdentity;
+    link.Post([this, parent, isInside, identity] {
+      const CFileIdentity before = std::exchange(fIdentity, identity);
+      if (fParent.isEmpty()) {
+        fParent = parent;
+        if (isInside) Watch({parent});
+        fParentDelay.start();  // it may have gone before it was watched
+      } else if (before != identity) {
+        Unwatch({parent});  // what is watched may be elsewhere now
+        fTask.Stop();
+        fFingerprint = 0;
+        fDelay.start();
+      }
+    });
+  };
+  fParentTask.Start(work, [](const std::exception_ptr&) {});  // one that cannot be seen is no news
 }
 
 /// On the thread of the task.
@@ -127,6 +165,12 @@ void CFolderWatch::TakeFailure(const std::exception_ptr& failure) {
   look.fFindings.push_back(
       {EFinding::kProblem, {}, fTexts.Alert(choice->fNumber, choice->fArguments).fMessage, {}});
   emit Checked(std::make_shared<const CFolderLook>(std::move(look)));
+}
+
+void CFolderWatch::Unwatch(const QStringList& but) {
+  QStringList watched = fWatcher.directories() + fWatcher.files();
+  watched.removeIf([&but](const QString& path) { return but.contains(path); });
+  if (!watched.isEmpty()) fWatcher.removePaths(watched);
 }
 
 void CFolderWatch::Watch(QStringList paths) {

@@ -3,6 +3,8 @@
 #include <QFileSystemWatcher>
 #include <QTimer>
 
+#include "Parts/TolbrookPackage/Core/FileSystem.h"
+
 #include "app/FolderLook.h"
 #include "app/TextResources.h"
 #include "gui/FindingsModel.h"
@@ -11,7 +13,8 @@
 
 namespace NSTambraGui {
 
-/// Looks at an input folder beside the window's thread, at once and again when it changes on disk.
+/// Looks at an input folder beside the window's thread, at once and again when it changes on disk,
+/// goes away or comes back.
 class CFolderWatch : public QObject {
   Q_OBJECT
 
@@ -41,6 +44,9 @@ class CFolderWatch : public QObject {
   void Take(const SharedLook& look);
   void TakeFailure(const std::exception_ptr& failure);
   void Watch(QStringList paths);
+  void Unwatch(const QStringList& but);
+  /// Whether something has happened to the folder itself.
+  void LookAtParent();
 
   const NSTambraPacking::CTextResources& fTexts;
   QString fFolder;
@@ -50,7 +56,11 @@ class CFolderWatch : public QObject {
   bool fIsAsked = false;  ///< to look again behind the present look
   QFileSystemWatcher fWatcher;
   QTimer fDelay;
+  QString fParent;                      ///< of the folder; empty before it is watched
+  NSTolbrook::CFileIdentity fIdentity;  ///< of the folder when it was last seen; none: it was away
+  QTimer fParentDelay;
   CBackgroundTask fTask;
+  CBackgroundTask fParentTask;
 };
 
 }  // namespace NSTambraGui

@@ -41,6 +41,7 @@ class CMainWindowTest : public QObject {
   void takesWhatIsDropped();
   void savesInformationAndSplash();
   void isAccessibleAndRemembers();
+  void noticesAFolderThatGoesAndComesBack();
 };
 
 void CMainWindowTest::looksAtTheFolderAndAgainWhenItChanges() {
@@ -488,6 +489,24 @@ void CMainWindowTest::isAccessibleAndRemembers() {
   QVERIFY(
       std::ranges::is_sorted(expected, {}, [&](const auto& name) { return order.indexOf(name); }));
   QVERIFY(order.indexOf(expected[0]) >= 0);
+}
+
+void CMainWindowTest::noticesAFolderThatGoesAndComesBack() {
+  NSTest::CLibrary library;
+  CTestWindow window;
+  window.Choose(library.Input(), library.Output());
+  const auto becomes = [&](const QString& state) {
+    return QTest::qWaitFor([&] { return window.State().startsWith(state); }, 20000);
+  };
+  const fs::path away = library.Folder().Path() / "away";
+  for (int turn = 0; turn < 2; ++turn) {
+    fs::rename(library.Input(), away);
+    QVERIFY2(becomes("Not ready"), qPrintable(window.State()));
+    fs::rename(away, library.Input());
+    QVERIFY2(becomes("Ready"), qPrintable(window.State()));
+  }
+  library.WithFile("c.wav", "RIFF");
+  QVERIFY(becomes("Not ready"));
 }
 
 }  // namespace
