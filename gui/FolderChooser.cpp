@@ -21,7 +21,7 @@ QString DraggedPath(const QMimeData& data) {
 }
 
 CFolderChooser::CFolderChooser(const CTexts& texts, QWidget* parent)
-    : QWidget(parent), fLabel(new QLabel(texts.fLabel)), fPath(new QComboBox) {
+    : QWidget(parent), fLabel(new QLabel(texts.fLabel)), fPath(new QComboBox), fLook(nullptr) {
   auto* const row = new QHBoxLayout(this);
   row->setContentsMargins(0, 0, 0, 0);
   auto* const button = new QPushButton(texts.fChoose);
@@ -63,12 +63,21 @@ void CFolderChooser::SetFolder(const QString& folder) {
   fFolder = folder.isEmpty()
                 ? QString()
                 : QDir::cleanPath(QFileInfo(QDir::fromNativeSeparators(folder)).absoluteFilePath());
+  SetRecent(Recent());
+  const auto look = [this, path = fFolder](const CTaskLink& link) {
+    // What is not there may have been a slip of the fingers.
+    if (QFileInfo(path).isDir()) link.Post([this, path] { PutFirst(path); });
+  };
+  fLook.Start(look, [](const std::exception_ptr&) {});
+}
+
+void CFolderChooser::PutFirst(const QString& folder) {
   QStringList recent = Recent();
-  if (QFileInfo(fFolder).isDir()) {  // what is not there may have been a slip of the fingers
-    recent.removeAll(fFolder);
-    recent.prepend(fFolder);
-  }
+  recent.removeAll(folder);
+  recent.prepend(folder);
+  const QString typed = fPath->currentText();  // since then
   SetRecent(recent);
+  fPath->setCurrentText(typed);
 }
 
 QStringList CFolderChooser::Recent() const {

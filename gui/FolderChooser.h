@@ -5,6 +5,8 @@
 #include <QPushButton>
 #include <QWidget>
 
+#include "gui/package/BackgroundTask.h"
+
 namespace NSTambraGui {
 
 /// A folder: chosen with a button, typed, dropped, or picked from those of earlier times.
@@ -22,7 +24,8 @@ class CFolderChooser : public QWidget {
 
   /// Empty when none is chosen.
   QString Folder() const { return fFolder; }
-  /// Chooses the folder and, if it is there, puts it first among the recent ones; tells nobody.
+  /// Chooses the folder and, once it is seen to be there, puts it first among the recent ones;
+  /// tells nobody. A drive that does not answer is not waited for.
   void SetFolder(const QString& folder);
   QStringList Recent() const;
   void SetRecent(const QStringList& folders);
@@ -43,10 +46,12 @@ class CFolderChooser : public QWidget {
 
  private:
   void TakeTyped();
+  void PutFirst(const QString& folder);
 
   QLabel* fLabel;
   QComboBox* fPath;
   QString fFolder;
+  CBackgroundTask fLook;  ///< whether the folder is there
 };
 
 /// The local folder or file that is dragged; empty unless there is just one.

@@ -50,6 +50,7 @@ CMainWindow::CMainWindow(const CTextResources& texts, CMainDialogs dialogs)
       fDialogs(std::move(dialogs)),
       fWatch(texts, nullptr),
       fPicture(nullptr),
+      fOutputCheck(nullptr),
       fLook(std::make_shared<const CFolderLook>()) {
   setWindowTitle(Text(kProgramName));
   setAcceptDrops(true);
@@ -351,15 +352,21 @@ void CMainWindow::UpdateState() {
 
 void CMainWindow::CheckOutput() {
   fOutputFault.clear();
-  try {
-    if (fInput->Folder().isEmpty() || fOutput->Folder().isEmpty()) return UpdateState();
-    CheckOutputFolder(PathFromQt(fInput->Folder()), PathFromQt(fOutput->Folder()));
-  } catch (const NSMordel::XCreate&) {
-    const auto choice = ChooseAlert(std::current_exception(), ESituation::kGeneral, {});
-    fOutputFault = ShownText(fTexts.Alert(choice->fNumber, choice->fArguments).fMessage);
-  } catch (const NSMordel::CExceptionBodyMixin&) {  // told by the run
-  }
+  fOutputCheck.Stop();
   UpdateState();
+  if (fInput->Folder().isEmpty() || fOutput->Folder().isEmpty()) return;
+  const auto check = [input = PathFromQt(fInput->Folder()), output = PathFromQt(fOutput->Folder())](
+                         const CTaskLink&) { CheckOutputFolder(input, output); };
+  fOutputCheck.Start(check, [this](const std::exception_ptr& failure) {
+    try {
+      if (failure) std::rethrow_exception(failure);
+    } catch (const NSMordel::XCreate&) {
+      const auto choice = ChooseAlert(failure, ESituation::kGeneral, {});
+      fOutputFault = ShownText(fTexts.Alert(choice->fNumber, choice->fArguments).fMessage);
+    } catch (const NSMordel::CExceptionBodyMixin&) {  // told by the run
+    }
+    UpdateState();
+  });
 }
 
 QString CMainWindow::StateText() const {

@@ -44,7 +44,7 @@ class CMainWindow : public QMainWindow {
 
   /// True while a package is made.
   bool IsPacking() const { return fRun != nullptr; }
-  bool IsLooking() const { return fWatch.IsLooking(); }
+  bool IsLooking() const { return fWatch.IsLooking() || fOutputCheck.IsRunning(); }
   QAction* Command(int number) const { return fMenus->Command(number); }
   /// Whether the folder can be packed, in words.
   QString StateText() const;
@@ -87,7 +87,7 @@ class CMainWindow : public QMainWindow {
   bool AskForSplash(const CSplashPicture& picture);
   void ShowFailure(const std::exception_ptr& failure);
 
-  /// Finds out about the output folder and updates the state.
+  /// Finds out about the output folder beside the window's thread and updates the state.
   void CheckOutput();
   void UpdateState();
   QString Text(NSTambraPacking::CStringNumber number,
@@ -102,7 +102,8 @@ class CMainWindow : public QMainWindow {
   CContentsPanel* fContents = nullptr;
   CPackFoot* fFoot = nullptr;
   CFolderWatch fWatch;
-  CBackgroundTask fPicture;  ///< the reading of a splash to be
+  CBackgroundTask fPicture;      ///< the reading of a splash to be
+  CBackgroundTask fOutputCheck;  ///< a drive may take its time to tell which folder is in which
   SharedLook fLook;
   QString fOutputFault;    ///< why the output folder cannot be used; empty when it can
   QString fLastRun;        ///< what came of it; empty when nothing did

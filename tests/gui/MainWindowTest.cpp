@@ -339,7 +339,7 @@ void CMainWindowTest::obeysEveryCommand() {
   const auto* const input = window.fWindow.findChild<CFolderChooser*>();
   window.fFolder = PathToQt(library.Folder().Path());
   window.fWindow.Command(kCommandInputFolder)->trigger();
-  QCOMPARE(input->Recent().size(), 2);
+  QTRY_COMPARE(input->Recent().size(), 2);
   window.fWindow.Command(kCommandClearRecent)->trigger();
   QCOMPARE(input->Recent(), QStringList(window.fFolder));
   window.fWindow.Command(kCommandExit)->trigger();
@@ -391,6 +391,7 @@ void CMainWindowTest::takesWhatIsDropped() {
   QVERIFY(window.Pack({"OK"}).last().contains("packed successfully"));
   QVERIFY(fs::exists(made / "Kit.tmb"));
   window.Type(1, library.Input() / "inner");
+  window.WaitForLook();
   QVERIFY2(window.State().contains("may not be the input folder"), qPrintable(window.State()));
 }
 
