@@ -14,6 +14,16 @@ using NSBigFilePackage::CMediaCursor;
 using NSBigFilePackage::CMemoryMedia;
 using Bytes = std::vector<std::uint8_t>;
 
+/// The long form of these numbers.
+Bytes Long(const std::vector<std::uint32_t>& numbers) {
+  Bytes bytes = {0xBC, 0xFF, 0xFF, 0xFF, 0xFF};
+  for (const std::uint32_t number : numbers) {
+    for (const int shift : {24, 16, 8, 0})
+      bytes.push_back(static_cast<std::uint8_t>(number >> shift));
+  }
+  return bytes;
+}
+
 TEST(FormatVersion, BytesTextAndBack) {
   const struct {
     CFormatVersion fVersion;
@@ -22,21 +32,11 @@ TEST(FormatVersion, BytesTextAndBack) {
   } cases[] = {
       {{1, 2, 3, 4, 0, 0}, {0xBC, 1, 2, 3, 0}, "1.2.3"},
       {{254, 254, 254, 4, 0, 0}, {0xBC, 254, 254, 254, 0}, "254.254.254"},
-      {{255, 0, 0, 4, 0, 0},
-       {0xbc, 0xff, 0xff, 0xff, 0xff, 0, 0, 0, 0xff, 0, 0, 0, 0, 0, 0,
-        0,    0,    0,    0,    0,    4, 0, 0, 0,    0, 0, 0, 0, 0},
-       "255.0.0"},
-      {{1, 2, 0, 4, 7, 0},
-       {0xbc, 0xff, 0xff, 0xff, 0xff, 0, 0, 0, 1, 0, 0, 0, 2, 0, 0,
-        0,    0,    0,    0,    0,    4, 0, 0, 0, 7, 0, 0, 0, 0},
-       "1.2.0f7"},
-      {{1, 2, 0, 4, 0, 1},
-       {0xbc, 0xff, 0xff, 0xff, 0xff, 0, 0, 0, 1, 0, 0, 0, 2, 0, 0,
-        0,    0,    0,    0,    0,    4, 0, 0, 0, 0, 0, 0, 0, 1},
-       "1.2.0"},
+      {{255, 0, 0, 4, 0, 0}, Long({255, 0, 0, 4, 0, 0}), "255.0.0"},
+      {{1, 2, 0, 4, 7, 0}, Long({1, 2, 0, 4, 7, 0}), "1.2.0f7"},
+      {{1, 2, 0, 4, 0, 1}, Long({1, 2, 0, 4, 0, 1}), "1.2.0"},
       {{0x01020304, 0, 1, 3, 0, 0x05060708},
-       {0xbc, 0xff, 0xff, 0xff, 0xff, 1, 2, 3, 4, 0, 0, 0, 0, 0, 0,
-        0,    1,    0,    0,    0,    3, 0, 0, 0, 0, 5, 6, 7, 8},
+       Long({0x01020304, 0, 1, 3, 0, 0x05060708}),
        "16909060.0.1b0"},
   };
   for (const auto& [version, bytes, text] : cases) {
@@ -59,11 +59,8 @@ TEST(FormatVersion, BytesTextAndBack) {
 }
 
 TEST(FormatVersion, RefusesFaultyBytes) {
-  const auto extended = [](std::uint8_t stage, std::size_t length) {
-    Bytes bytes(29);
-    bytes[0] = 0xBC;
-    std::fill_n(bytes.begin() + 1, 4, std::uint8_t{0xFF});
-    bytes[20] = stage;
+  const auto extended = [](std::uint32_t stage, std::size_t length) {
+    Bytes bytes = Long({0, 0, 0, stage, 0, 0});
     bytes.resize(length);
     return bytes;
   };
@@ -73,7 +70,7 @@ TEST(FormatVersion, RefusesFaultyBytes) {
     CMediaCursor input(media);
     EXPECT_THROW(ReadFormatVersion(input), NSMordel::XFormatViolation) << bytes.size();
   }
-  for (const std::uint8_t stage : {std::uint8_t{1}, std::uint8_t{4}}) {
+  for (const std::uint32_t stage : {1U, 4U}) {
     CMemoryMedia media(extended(stage, 29));
     CMediaCursor input(media);
     EXPECT_EQ(ReadFormatVersion(input).fStage, stage);

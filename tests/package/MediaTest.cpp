@@ -91,6 +91,7 @@ TEST(MediaTest, WindowsMustLieInsideTheirMedia) {
   EXPECT_EQ(ReadUpTo(window, 3, 9), Bytes{});
   EXPECT_THROW(window.Write(0, Bytes{1}), NSMordel::XReadOnly);
   EXPECT_THROW(window.SetSize(1), NSMordel::XReadOnly);
+  EXPECT_THROW(CMemoryView(media->Bytes()).Write(0, Bytes{1}), NSMordel::XReadOnly);
 }
 
 TEST(MediaTest, BufferedReadsEqualPlainOnes) {
@@ -105,17 +106,6 @@ TEST(MediaTest, BufferedReadsEqualPlainOnes) {
     }
   });
   EXPECT_TRUE(equal);
-}
-
-TEST(MediaTest, ReadExactlyNamesWhatIsMissing) {
-  const Bytes bytes = Counting(4);
-  CMemoryView view(bytes);
-  CMediaCursor cursor(view, 2);
-  Bytes three(3);
-  EXPECT_THROW(cursor.ReadExactly(three), NSMordel::XRead);
-  EXPECT_EQ(cursor.Position(), 2u);
-  EXPECT_EQ(cursor.Remaining(), 2u);
-  EXPECT_THROW(view.Write(0, three), NSMordel::XReadOnly);
 }
 
 }  // namespace

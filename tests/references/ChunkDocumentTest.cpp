@@ -1,7 +1,5 @@
 #include <array>
-#include <fstream>
 #include <gtest/gtest.h>
-#include <sstream>
 #include <string>
 
 #include "Parts/TolbrookPackage/Core/Exception.h"
@@ -9,6 +7,7 @@
 #include "references/ChunkDocument.h"
 #include "references/DeviceDescriptionChunk.h"
 #include "tests/support/DocumentBuilder.h"
+#include "tests/support/DocumentedExample.h"
 #include "tests/support/FaultText.h"
 
 namespace {
@@ -39,26 +38,8 @@ std::string FaultOf(Bytes bytes) {
   return FaultText<XFormatViolation>([&bytes] { Patch(std::move(bytes)); });
 }
 
-/// The bytes of the first block of a page: offset, hex bytes, text, with two blanks between them.
-Bytes FirstExample(const std::string& page) {
-  std::ifstream file(std::string(TAMBRA_TEST_DATA) + "/../../docs/formats/" + page);
-  Bytes bytes;
-  bool isInside = false;
-  for (std::string line; std::getline(file, line);) {
-    if (line == "```" && isInside) break;
-    if (isInside) {
-      std::istringstream hex(line.substr(6, 47));
-      for (unsigned value = 0; hex >> std::hex >> value;) {
-        bytes.push_back(static_cast<std::uint8_t>(value));
-      }
-    }
-    isInside = isInside || line == "```";
-  }
-  return bytes;
-}
-
 TEST(ChunkDocument, TheDocumentedExampleIsReadAndWritten) {
-  const Bytes example = FirstExample("documents.md");
+  const Bytes example = DocumentedExample("documents.md");
   const CChunkDocument document = Patch(example);
   EXPECT_EQ(document.DeviceNames(), std::vector<std::u16string>{u"Mixer"});
   ASSERT_EQ(document.References().size(), 1U);

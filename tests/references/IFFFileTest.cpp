@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 #include <memory>
-#include <rapidcheck.h>
 #include <string>
 #include <vector>
 
@@ -100,58 +99,6 @@ TEST(IFFFile, CarriesGroupsOfAnyDepth) {
   while (reader.FirstChunk()->fKind == EChunkKind::kForm) reader.OpenLevel();
   EXPECT_EQ(reader.Depth(), kDepth);
   EXPECT_EQ(reader.OpenData()->Size(), 3u);
-}
-
-/// A random tree as a list of steps: a size for a plain chunk, -1 to open a group, -2 to close one.
-TEST(IFFFile, ReadsBackWhatItWrote) {
-  rc::check([](const std::vector<std::uint8_t>& choices) {
-    const auto media = std::make_shared<CMemoryMedia>();
-    CIFFFileWriter writer(media);
-    std::vector<CIFFFileLevel> levels;
-    std::vector<int> written;
-    for (const int choice : choices) {
-      if (choice % 4 == 0) {
-        levels.push_back(writer.OpenLevel(EChunkKind::kCatalogue, kTree));
-        written.push_back(-1);
-      } else if (choice % 4 == 1 && !levels.empty()) {
-        writer.CloseLevel(levels.back());
-        levels.pop_back();
-        written.push_back(-2);
-      } else {
-        const auto value = static_cast<std::uint8_t>(choice);
-        writer.WriteChunk(kLeaf, std::vector<std::uint8_t>(value, value));
-        written.push_back(choice);
-      }
-    }
-    for (; !levels.empty(); levels.pop_back()) {
-      writer.CloseLevel(levels.back());
-      written.push_back(-2);
-    }
-
-    std::vector<int> read;
-    CIFFFileReader reader(media);
-    auto chunk = reader.FirstChunk();
-    while (chunk || reader.Depth() > 0) {
-      if (!chunk) {
-        reader.CloseLevel(levels.back());
-        levels.pop_back();
-        read.push_back(-2);
-        chunk = reader.NextChunk();
-      } else if (chunk->fKind == EChunkKind::kCatalogue) {
-        levels.push_back(reader.OpenLevel());
-        read.push_back(-1);
-        chunk = reader.FirstChunk();
-      } else {
-        const auto value = static_cast<std::uint8_t>(chunk->fSize);
-        std::vector<std::uint8_t> data(value);
-        NSBigFilePackage::ReadExactly(*reader.OpenData(), 0, data);
-        RC_ASSERT(data == std::vector<std::uint8_t>(value, value));
-        read.push_back(value);
-        chunk = reader.NextChunk();
-      }
-    }
-    RC_ASSERT(read == written);
-  });
 }
 
 }  // namespace

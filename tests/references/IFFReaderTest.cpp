@@ -10,6 +10,7 @@
 #include "package/MemoryMedia.h"
 #include "references/FlatIFFReader.h"
 #include "references/IFFReader.h"
+#include "tests/support/FaultText.h"
 
 namespace NSTolbrook {
 namespace {
@@ -103,13 +104,9 @@ TEST(IFFReader, StandsOnTheContentsOfAGroup) {
 
   // A child may not leave its group, though the file goes on; the message tells the file's offset.
   CIFFReader2 cut(MediaOf("FORM\0\0\0\x0CTREELEAF\0\0\0\4abcd"s));
-  try {
-    cut.EnterGroup(*cut.FirstChunk()).FirstChunk();
-    FAIL();
-  } catch (const XFormatViolation& fault) {
-    EXPECT_STREQ(fault.what(),
-                 "a chunk runs past the end of the data (chunk \"LEAF\" at offset 12)");
-  }
+  EXPECT_EQ(
+      NSTest::FaultText<XFormatViolation>([&] { cut.EnterGroup(*cut.FirstChunk()).FirstChunk(); }),
+      "a chunk runs past the end of the data (chunk \"LEAF\" at offset 12)");
 }
 
 TEST(IFFReader, RefusesGroupsWithoutRoomForTheirType) {
