@@ -27,7 +27,7 @@ CResultPane::CResultPane(const NSTambraPacking::CTextResources& texts, QWidget* 
   fHeading->setWordWrap(true);
   auto* const close = new QToolButton(this);
   close->setAutoRaise(true);
-  close->setIcon(style()->standardIcon(QStyle::SP_TitleBarCloseButton));
+  close->setText(QStringLiteral("×"));  // in the palette's colour, which an icon is not
   close->setAccessibleName(ToQt(texts.Text(kCloseResults)));
   close->setToolTip(close->accessibleName());
   connect(close, &QToolButton::clicked, this, &QWidget::hide);
