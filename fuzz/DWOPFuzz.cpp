@@ -56,7 +56,8 @@ COutcome Decode(const CDWOPHeader& header, COptimizedDWOPDecompressor& decompres
 }  // namespace
 
 /// All forms of the decoder, however they get their words, and a second implementation make the
-/// same samples of a stream, or find fault with it. A stream without fault gives a source.
+/// same samples of a stream, or find fault with it. A stream without fault gives a source, no other
+/// does.
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const NSFuzz::CFuzzInput input(data, size);
   const auto media = input.Media();
@@ -79,11 +80,12 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   }
 
   const auto parts = NSFuzz::Read([&] { return CheckDWOPStream(*media, [] {}); });
+  NSBigFilePackage::CMemoryMedia source;
+  const auto report = NSFuzz::Read([&] { return RebuildSource(media, source, [] {}); });
+  NSFuzz::Require(report.has_value() == parts.has_value());
   if (!parts) return 0;
   NSFuzz::Require(outcome.fFault.empty() && parts->fWords == outcome.fWords);
   NSFuzz::Require(parts->fBitStream + parts->fWords * 4 <= size);
-  NSBigFilePackage::CMemoryMedia source;
-  RebuildSource(media, source, [] {});
   NSFuzz::Require(source.Size() >= outcome.fSamples.size() * header->fWidth / 8);
   return 0;
 }

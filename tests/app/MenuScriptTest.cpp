@@ -3,6 +3,7 @@
 #include "Parts/TolbrookPackage/Core/Exception.h"
 
 #include "app/MenuScript.h"
+#include "tests/support/FaultText.h"
 
 namespace NSTambraPacking {
 namespace {
@@ -74,12 +75,10 @@ TEST(MenuScript, EveryFaultHasItsText) {
       {"2 {T} (\n) x", kList},
   };
   for (const auto& [text, fault] : cases) {
-    try {
-      CMenuScript("S", text);
-      FAIL() << text;
-    } catch (const NSMordel::XFormatViolation& failure) {
-      EXPECT_EQ(failure.what(), fault) << text;
-    }
+    EXPECT_EQ(NSTest::FaultText<NSMordel::XFormatViolation>(
+                  [&, &text = text] { CMenuScript("S", text); }),
+              fault)
+        << text;
   }
 }
 
@@ -90,12 +89,9 @@ TEST(MenuScript, FaultsNameTheLineAndMissingMenusAreNotFound) {
   } catch (const NSMordel::XFormatViolation& failure) {
     EXPECT_EQ(*failure.FindContext(NSMordel::kTargetObjectId), "SMNU/1.txt, line 7");
   }
-  try {
-    CMenuScript("S", "1 {A} (\n)\n").Menu(3);
-    FAIL();
-  } catch (const NSMordel::XNotFound& failure) {
-    EXPECT_STREQ(failure.what(), "menu ID not found in menu resource");
-  }
+  EXPECT_EQ(
+      NSTest::FaultText<NSMordel::XNotFound>([] { CMenuScript("S", "1 {A} (\n)\n").Menu(3); }),
+      "menu ID not found in menu resource");
 }
 
 }  // namespace

@@ -58,11 +58,8 @@ TEST_F(PackingLog, TakesTheFirstFreeName) {
   EXPECT_EQ(fFolder.ReadText("Große packing log 2026-01-02 03.04.05 4.txt"),
             "Packing complete\r\n");
   EXPECT_FALSE(std::filesystem::exists(fFolder.Path() / "nowhere"));
-  const std::u16string longest = std::u16string(1, u'a') + [] {
-    std::u16string pairs;
-    while (pairs.size() < 124) pairs += u"\U0001F941";
-    return pairs;
-  }();
+  std::u16string longest = u"a";
+  while (longest.size() < 125) longest += u"\U0001F941";
   for (const char16_t* ending : {u"05.txt", u"05 2.txt"}) {
     const auto path = fLog.Write(fFolder.Path(), longest, {}, kLogComplete);
     EXPECT_TRUE(path.filename().u16string().starts_with(longest.substr(0, 107)));

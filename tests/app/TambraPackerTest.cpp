@@ -19,20 +19,96 @@ void AddContent(CLibrary& library) {
   library.WithPatch("P.dp01", {{"/Samples/a.wav"}});
 }
 
+using CChange = std::function<void(CLibrary&)>;
+
+CChange With(std::string path, std::string text) {
+  return [=](CLibrary& library) { library.WithFile(path, text); };
+}
+CChange WithInfo(std::string key, std::string value) {
+  return [=](CLibrary& library) { library.WithInfo(key, value); };
+}
+CChange WithPatch(CReferenceTexts references) {
+  return [=](CLibrary& library) { library.WithPatch("P.dp01", references); };
+}
+/// The splash with this name and these edges, in place of the one that was there.
+CChange WithSplash(std::string path, std::uint32_t edge = 64) {
+  return [=](CLibrary& library) { library.Without("Splash.jpg").WithSplash(path, edge); };
+}
+CChange Without(std::string path) {
+  return [=](CLibrary& library) { library.Without(path); };
+}
+CChange Both(CChange one, CChange other) {
+  return [=](CLibrary& library) { one(library), other(library); };
+}
+
+/// What ends a run before anything is written, and the alert that tells of it.
+struct CRefusal {
+  const char* fWhat;
+  CChange fChange;
+  std::string fAlert;
+  bool fIsChecked = true;  ///< a check finds it, too
+};
+
+const CRefusal kRefusals[] = {
+    {"no name", Without("NAME.TXT"), "4"},
+    {"an empty name", With("NAME.TXT", " \n"), "4"},
+    {"no splash", Without("Splash.jpg"), "12"},
+    {"neither", Both(Without("Splash.jpg"), Without("NAME.TXT")), "4"},
+    {"a splash that is left out", WithInfo("SKIP_ITEM", "SPLASH.JPG"), "12"},
+    {"a splash in a folder", WithSplash("Art/Splash.jpg"), "12"},
+    {"a wrong size, and no name", Both(WithSplash("Splash.jpg", 63), Without("NAME.TXT")),
+     "13 size 64x64 pixels"},
+    {"a splash that is no picture", With("Splash.jpg", "GIF89a"), "13"},
+    {"a name that no file can have", With("NAME.TXT", "a/b"), "303 “a/b”"},
+    {"no version", With("VERSION.TXT", "first"), "301 “first”"},
+    {"a later version", WithInfo("VERSION", "1.2.1"), "302 version 1.2.1 "},
+    {"a broken shortcut", With("S/x.lnk", "rubbish"), "26 x.lnk"},
+    {"a file that no package can hold",
+     [](CLibrary& l) {
+       l.WithFile("huge.pad", "x");
+       std::filesystem::resize_file(l.Input() / "huge.pad", std::uintmax_t{5} << 30);
+     },
+     "305 5368709120 bytes long", false},
+};
+
+TEST(TambraPacker, RefusesWhatCannotBePackedBeforeItWrites) {
+  for (const CRefusal& test : kRefusals) {
+    SCOPED_TRACE(test.fWhat);
+    CLibrary library;
+    AddContent(library);
+    test.fChange(library);
+    CPackRun run(library);
+    EXPECT_EQ(run.Pack(), "failed");
+    EXPECT_TRUE(AlertsAre(run.fAlerts.fShown, {test.fAlert}));
+    EXPECT_EQ(run.Log(), CLines{});
+    EXPECT_TRUE(run.OutputFiles().empty());
+    EXPECT_EQ(run.fInformation.fName, u"");
+    if (!test.fIsChecked) continue;
+    CPackRun check(library);
+    EXPECT_EQ(check.Check(), "failed");
+    EXPECT_TRUE(AlertsAre(check.fAlerts.fShown, {test.fAlert}));
+  }
+}
+
+/// How a run ends that gets further.
 struct CEnding {
   const char* fWhat;
-  std::function<void(CLibrary&)> fChange;
+  CChange fChange;
   NSTest::CScriptedAlerts::CAnswers fAnswers;
   std::string fEnding;
   CLines fAlerts;
   CLines fLog;
   bool fWarn = true;
+  const char* fCheck = nullptr;  ///< how a check of the same ends, where that is tried
 };
 
 const CReferenceTexts kOther = {{.fRelative = "/x.wav", .fTambra = "Other"}};
 const CReferenceTexts kTwoOthers = {{.fRelative = "/x.wav", .fTambra = "Other"},
                                     {.fRelative = "/y.wav", .fTambra = "Third"},
                                     {.fRelative = "/z.wav", .fTambra = "Other"}};
+const CReferenceTexts kItself = {
+    {.fRelative = "/no.wav", .fTambra = "Kit", .fDatabase = "/no.wav"}};
+const CLines kPacked = {"Packing complete"};
 const CLines kOtherLog = {"External Tambra references:", "    P.dp01", "        Other",
                           "Packing aborted"};
 const CLines kOtherPackedLog = {"Unresolved references:",
@@ -42,166 +118,70 @@ const CLines kOtherPackedLog = {"Unresolved references:",
                                 "    P.dp01",
                                 "        Other",
                                 "Packing complete"};
-
+const CLines kStrayLog = {"Failed validating:", "    Art/stray.png", "Packing aborted"};
+const CLines kSampleLog = {"Failed validating:", "    Samples/a.wav", "Packing aborted"};
+const CLines kKindLog = {"Failed validating:", "    P.dp01", "Packing complete"};
+const CLines kAllLog = {"Failed validating:",         "    bad.dp02",   "    Samples/a.wav",
+                        "Unresolved references:",     "    S.ops",      "        ref => no.wav",
+                        "        ref => ../gone.wav", "Packing aborted"};
+const CLines kSeveralLog = {"External Tambra references:",
+                            "    P.dp01",
+                            "        Other",
+                            "        Third",
+                            "    S.ons",
+                            "        Other",
+                            "Packing aborted"};
 const std::string kBrokenTitle =
     "Broken references in the finished Tambra (usually caused by faults of the Tambra packer "
     "itself):";
+const CLines kBrokenLog = {kBrokenTitle, "    P.dp01", "        ref => Kit:no.wav",
+                           "Packing complete"};
+
+const CChange kThreeChannels = [](CLibrary& l) { l.WithSample("Samples/a.wav", 3); };
+const CChange kFailedAndUnresolved = [](CLibrary& l) {
+  l.WithSample("Samples/a.wav", 3).WithSong("S.ops", {{"/no.wav"}, {"/gone.wav", 1}});
+  l.WithFile("bad.dp02", "FORM");
+};
+const CChange kStray = With("Art/stray.png", "x");
+const std::string kSuccess = "5 The Tambra file has been packed successfully! 3 files were added.";
+const char* const kFailedCheck = "aborted: tambra has failed entries";
 
 const CEnding kEndings[] = {
-    {"clean",
-     [](CLibrary&) {},
-     {},
-     "packed",
-     {"5 The Tambra file has been packed successfully! 3 files were added."},
-     {"Packing complete"}},
-    {"no name", [](CLibrary& l) { l.Without("NAME.TXT"); }, {}, "failed", {"4"}, {}},
-    {"an empty name", [](CLibrary& l) { l.WithFile("NAME.TXT", " \n"); }, {}, "failed", {"4"}, {}},
-    {"no splash", [](CLibrary& l) { l.Without("Splash.jpg"); }, {}, "failed", {"12"}, {}},
-    {"neither",
-     [](CLibrary& l) { l.Without("Splash.jpg").Without("NAME.TXT"); },
-     {},
-     "failed",
-     {"4"},
-     {}},
-    {"a splash that is left out",
-     [](CLibrary& l) { l.WithInfo("SKIP_ITEM", "SPLASH.JPG"); },
-     {},
-     "failed",
-     {"12"},
-     {}},
-    {"a splash in a folder",
-     [](CLibrary& l) { l.Without("Splash.jpg").WithSplash("Art/Splash.jpg", 64); },
-     {},
-     "failed",
-     {"12"},
-     {}},
-    {"a splash in other case",
-     [](CLibrary& l) { l.Without("Splash.jpg").WithSplash("SPLASH.JPG", 64); },
-     {},
-     "packed",
-     {"5"},
-     {"Packing complete"}},
-    {"a splash of the wrong size, and no name",
-     [](CLibrary& l) { l.WithSplash("Splash.jpg", 63).Without("NAME.TXT"); },
-     {},
-     "failed",
-     {"13 size 64x64 pixels"},
-     {}},
-    {"a splash that is no picture",
-     [](CLibrary& l) { l.WithFile("Splash.jpg", "GIF89a"); },
-     {},
-     "failed",
-     {"13"},
-     {}},
-    {"a name that no file can have",
-     [](CLibrary& l) { l.WithFile("NAME.TXT", "a/b"); },
-     {},
-     "failed",
-     {"303 “a/b”"},
-     {}},
-    {"a version with a stage",
-     [](CLibrary& l) { l.WithFile("VERSION.TXT", "1.2.0b3"); },
-     {},
-     "packed",
-     {"5"},
-     {"Packing complete"}},
-    {"no version",
-     [](CLibrary& l) { l.WithFile("VERSION.TXT", "first"); },
-     {},
-     "failed",
-     {"301 “first”"},
-     {}},
-    {"a later version",
-     [](CLibrary& l) { l.WithInfo("VERSION", "1.2.1"); },
-     {},
-     "failed",
-     {"302 version 1.2.1 "},
-     {}},
-    {"a broken shortcut",
-     [](CLibrary& l) { l.WithFile("S/x.lnk", "rubbish"); },
-     {},
-     "failed",
-     {"26 x.lnk"},
-     {}},
-    {"a file that no package can hold",
-     [](CLibrary& l) {
-       l.WithFile("huge.pad", "x");
-       std::filesystem::resize_file(l.Input() / "huge.pad", std::uintmax_t{5} << 30);
-     },
-     {},
-     "failed",
-     {"305 5368709120 bytes long"},
-     {}},
-    {"an unknown type, left out",
-     [](CLibrary& l) { l.WithFile("Art/stray.png", "x"); },
-     {{21, true}},
-     "packed",
-     {"21 “Art/stray.png”", "5 3 files"},
-     {"Packing complete"}},
-    {"an unknown type, not left out",
-     [](CLibrary& l) { l.WithFile("Art/stray.png", "x"); },
-     {{21, false}},
-     "silent",
-     {"21", "7"},
-     {"Failed validating:", "    Art/stray.png", "Packing aborted"}},
-    {"three channels",
-     [](CLibrary& l) { l.WithSample("Samples/a.wav", 3); },
-     {},
-     "silent",
-     {"7"},
-     {"Failed validating:", "    Samples/a.wav", "Packing aborted"}},
-    {"failed and unresolved together",
-     [](CLibrary& l) {
-       l.WithSample("Samples/a.wav", 3).WithSong("S.ops", {{"/no.wav"}, {"/gone.wav", 1}});
-       l.WithFile("bad.dp02", "FORM");
-     },
-     {},
-     "silent",
-     {"7"},
-     {"Failed validating:", "    bad.dp02", "    Samples/a.wav", "Unresolved references:",
-      "    S.ops", "        ref => no.wav", "        ref => ../gone.wav", "Packing aborted"}},
+    {"clean", [](CLibrary&) {}, {}, "packed", {kSuccess}, kPacked, true, "passed"},
+    {"a splash in other case", WithSplash("SPLASH.JPG"), {}, "packed", {"5"}, kPacked},
+    {"a stage", With("VERSION.TXT", "1.2.0b3"), {}, "packed", {"5"}, kPacked},
+    {"left out", kStray, {{21, true}}, "packed", {"21 “Art/stray.png”", "5 3 files"}, kPacked},
+    {"not left out", kStray, {{21, false}}, "silent", {"21", "7"}, kStrayLog},
+    {"three channels", kThreeChannels, {}, "silent", {"7"}, kSampleLog, true, kFailedCheck},
+    {"all", kFailedAndUnresolved, {}, "silent", {"7"}, kAllLog, true, kFailedCheck},
     {"one other package, accepted",
-     [](CLibrary& l) { l.WithPatch("P.dp01", kOther); },
+     WithPatch(kOther),
      {{18, true}},
      "problems",
      {"18 “P.dp01” refers to the Tambra Other.", "7"},
      kOtherPackedLog},
-    {"one other package, refused",
-     [](CLibrary& l) { l.WithPatch("P.dp01", kOther); },
+    {"refused",
+     WithPatch(kOther),
      {{18, false}},
      "silent",
      {"18", "7"},
-     kOtherLog},
-    {"one other package, not asked about",
-     [](CLibrary& l) { l.WithPatch("P.dp01", kOther); },
-     {},
-     "problems",
-     {"7"},
-     kOtherPackedLog,
-     false},
+     kOtherLog,
+     true,
+     "aborted: "},
+    {"not asked about", WithPatch(kOther), {}, "problems", {"7"}, kOtherPackedLog, false},
     {"several other packages",
-     [](CLibrary& l) { l.WithPatch("P.dp01", kTwoOthers).WithSong("S.ons", kOther); },
+     Both(WithPatch(kTwoOthers), [](CLibrary& l) { l.WithSong("S.ons", kOther); }),
      {{23, true}, {18, false}},
      "silent",
      {"23 the Tambras Other, Third.", "18 “S.ons”", "7"},
-     {"External Tambra references:", "    P.dp01", "        Other", "        Third", "    S.ons",
-      "        Other", "Packing aborted"}},
-    {"a reference of an unknown kind",
-     [](CLibrary& l) {
-       l.WithPatch("P.dp01", {{"/Samples/a.wav", 0, "", 14}});
-     },
+     kSeveralLog},
+    {"an unknown kind",
+     WithPatch({{"/Samples/a.wav", 0, "", 14}}),
      {},
      "problems",
      {"7"},
-     {"Failed validating:", "    P.dp01", "Packing complete"}},
-    {"a reference into this package that it cannot supply",
-     [](CLibrary& l) {
-       l.WithPatch("P.dp01", {{.fRelative = "/no.wav", .fTambra = "Kit", .fDatabase = "/no.wav"}});
-     },
-     {},
-     "problems",
-     {"7"},
-     {kBrokenTitle, "    P.dp01", "        ref => Kit:no.wav", "Packing complete"}},
+     kKindLog},
+    {"into this package, which has it not", WithPatch(kItself), {}, "problems", {"7"}, kBrokenLog},
 };
 
 TEST(TambraPacker, EndsEachRunAsItShould) {
@@ -210,36 +190,19 @@ TEST(TambraPacker, EndsEachRunAsItShould) {
     CLibrary library;
     AddContent(library);
     test.fChange(library);
+    if (test.fCheck != nullptr) {
+      CPackRun check(library, test.fAnswers, test.fWarn);
+      EXPECT_EQ(check.Check(), test.fCheck);
+      EXPECT_FALSE(std::filesystem::exists(library.Output()));
+    }
     CPackRun run(library, test.fAnswers, test.fWarn);
     EXPECT_EQ(run.Pack(), test.fEnding);
     EXPECT_TRUE(AlertsAre(run.fAlerts.fShown, test.fAlerts));
     EXPECT_EQ(run.Log(), test.fLog);
     const bool isPacked = test.fEnding == "packed" || test.fEnding == "problems";
     EXPECT_EQ(run.OutputFiles().contains("Kit.tmb"), isPacked);
-    EXPECT_EQ(run.OutputFiles().size(), (isPacked ? 1U : 0U) + (test.fLog.empty() ? 0U : 1U));
+    EXPECT_EQ(run.OutputFiles().size(), isPacked ? 2U : 1U);
     EXPECT_EQ(run.fInformation.fName, isPacked ? u"Kit" : u"");
-  }
-}
-
-TEST(TambraPacker, ChecksWithoutWriting) {
-  const std::map<std::string, std::string> checked = {
-      {"clean", "passed"},
-      {"three channels", "aborted: tambra has failed entries"},
-      {"failed and unresolved together", "aborted: tambra has failed entries"},
-      {"one other package, refused", "aborted: "},
-      {"a name that no file can have", "failed"},
-      {"no splash", "failed"},
-  };
-  for (const CEnding& test : kEndings) {
-    const auto expected = checked.find(test.fWhat);
-    if (expected == checked.end()) continue;
-    SCOPED_TRACE(test.fWhat);
-    CLibrary library;
-    AddContent(library);
-    test.fChange(library);
-    CPackRun run(library, test.fAnswers, test.fWarn);
-    EXPECT_EQ(run.Check(), expected->second);
-    EXPECT_FALSE(std::filesystem::exists(library.Output()));
   }
 }
 
@@ -278,6 +241,9 @@ TEST(TambraPacker, AFileThatChangesAfterItWasVerified) {
   const auto laterPatch = NSTest::Group("FORM", "PTCH", {NSTest::Chunk("REFE", later)});
   const NSTest::Bytes damaged = NSTest::AsBytes("RIFF");
   const NSTest::Bytes gone;
+  const CLines broken = {kBrokenTitle, "    P.dp01", "        ref => Samples/a.wav",
+                         "Packing complete"};
+  const CLines notes = {"Unreferenced samples:", "    S/b.wav", "Packing aborted"};
   const struct {
     const char* fWhat;
     std::string fFile;
@@ -287,28 +253,10 @@ TEST(TambraPacker, AFileThatChangesAfterItWasVerified) {
     CLines fAlerts;
     CLines fLog;
   } cases[] = {
-      {"left out",
-       "S/b.wav",
-       damaged,
-       true,
-       "packed",
-       {"10 “S/b.wav”", "5 3 files"},
-       {"Packing complete"}},
-      {"left out, but a patch refers to it",
-       "Samples/a.wav",
-       damaged,
-       true,
-       "problems",
-       {"10 “Samples/a.wav”", "7"},
-       {kBrokenTitle, "    P.dp01", "        ref => Samples/a.wav", "Packing complete"}},
+      {"left out", "S/b.wav", damaged, true, "packed", {"10 “S/b.wav”", "5 3 files"}, kPacked},
+      {"needed", "Samples/a.wav", damaged, true, "problems", {"10 “Samples/a.wav”", "7"}, broken},
       {"not left out", "S/b.wav", damaged, false, "silent", {"10"}, {}},
-      {"not left out, and notes to tell",
-       "S/b.wav",
-       damaged,
-       false,
-       "silent",
-       {"10", "7"},
-       {"Unreferenced samples:", "    S/b.wav", "Packing aborted"}},
+      {"not left out, and notes to tell", "S/b.wav", damaged, false, "silent", {"10", "7"}, notes},
       {"gone", "S/b.wav", gone, false, "failed", {"9 “S/b.wav”"}, {}},
       {"of a later version", "P.dp01", laterPatch, true, "failed", {"9 “P.dp01”"}, {}},
   };

@@ -2,7 +2,6 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <gtest/gtest.h>
 #include <iterator>
 #include <sstream>
@@ -11,6 +10,7 @@
 
 #include "app/TextResources.h"
 #include "app/TimeEstimate.h"
+#include "tests/support/FaultText.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace NSTambraPacking {
@@ -21,13 +21,9 @@ std::string SourceText(const char* path) {
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-std::string MessageOf(const std::function<void()>& action) {
-  try {
-    action();
-  } catch (const NSMordel::XNotFound& failure) {
-    return failure.what();
-  }
-  return "nothing thrown";
+template <class Action>
+std::string MessageOf(const Action& action) {
+  return NSTest::FaultText<NSMordel::XNotFound>(action);
 }
 
 TEST(TextResources, EveryNamedNumberHasItsText) {
@@ -103,7 +99,7 @@ TEST(TextResources, GenericAlertsWithoutTextShowTheFileSystemError) {
 TEST(TextResources, MissingTextsNameBothNumbers) {
   const CTextResources texts;
   EXPECT_EQ(MessageOf([&] {
-              texts.Text({128, 9999});
+              texts.Text(CStringNumber{128, 9999});
             }),
             "the string table 128 holds no entry 9999");
   EXPECT_EQ(MessageOf([&] { texts.Alert({301, 7}); }), "the alert table 301 holds no entry 7");
@@ -122,13 +118,9 @@ TEST(TextResources, ATranslatorsFolderReplacesWholeTables) {
 
   auto bad = folder.Write("bad/SALR/128.txt", "4 {[STOP]a[OK]}\r\n5 no brace\r\n");
   bad.make_preferred();
-  try {
-    CTextResources({folder.Path() / "bad"});
-    FAIL();
-  } catch (const NSMordel::XFormatViolation& failure) {
-    EXPECT_NE(std::string(failure.what()).find(bad.string() + ", line 2: "), std::string::npos)
-        << failure.what();
-  }
+  const std::string fault = NSTest::FaultText<NSMordel::XFormatViolation>(
+      [&] { CTextResources({folder.Path() / "bad"}); });
+  EXPECT_NE(fault.find(bad.string() + ", line 2: "), std::string::npos) << fault;
 }
 
 TEST(TextResources, TheNamedFolderMustExist) {

@@ -4,6 +4,8 @@
 #include "Parts/TolbrookPackage/Core/PortablePath.h"
 #include "Parts/TolbrookPackage/Core/Text.h"
 
+#include "tests/support/FaultText.h"
+
 namespace NSTolbrook {
 namespace {
 
@@ -13,52 +15,31 @@ std::u16string Repeated(std::size_t count, const std::u16string& text) {
   return all;
 }
 
+/// One of each kind, and what is easily mixed up; many more are extracted by the program in
+/// tests/reliability/hostile_test.py.
 TEST(PortablePath, HostileNamesAndTheirHarmlessTwins) {
   const std::pair<std::u16string, std::u16string> kCases[] = {
       {u"", u"a"},
       {u"/etc/passwd", u"etc/passwd"},
       {u"a//b", u"a/b"},
-      {u"a/", u"a/a"},
-      {u"..", u"..a"},
       {u"../a", u"...a/a"},
-      {u"a/../../b", u"a/..b/b"},
-      {u"./a", u".a"},
       {u"a/.", u"a/.a"},
       {u"..\\a", u"..a"},
-      {u"C:", u"C"},
       {u"C:/a", u"C/a"},
-      {u"\\\\server\\share", u"server/share"},
-      {u"a.wav:hidden", u"a.wav hidden"},
-      {u"a*", u"a+"},
       {u"what?", u"what!"},
-      {u"a\"b", u"a'b"},
-      {u"<a>", u"(a)"},
-      {u"a|b", u"a-b"},
       {u"con", u"conga"},
-      {u"a/NUL.wav", u"a/null.wav"},
       {u"Aux.tar.gz", u"Auxes.tar.gz"},
       {u"PRN ", u" PRN x"},
-      {u"COM1", u"COM"},
-      {u"com\u00B9.wav", u"comx.wav"},
       {u"Lpt0 .x", u"Lpt10.x"},
-      {u"CONIN$", u"CONIN"},
-      {u"a.", u"a.b"},
       {u"a /b", u" a/b"},
-      {u"a/b ", u"a/b b"},
-      {u"a\nb", u"a b"},
-      {u"\u001B[2J", u"[2J"},
       {std::u16string(u"a\0b", 3), u"ab"},
       {u"a\u0085", u"a\u00A1"},
-      {u"gpj.\u202Eexe", u"gpj.exe"},
       {u"a\u200Fb", u"a\u200Db"},  // joiners are letters to some scripts
       {u"a\u2066b", u"\u0645\u06CC\u200C\u062E"},
-      {u"\uFEFFa", u"\u00E4"},
       {u"a\u00ADb", u"a-b"},
       {u"\xD83D", u"\U0001F941"},
       {u"a\xDC00", u"\U0001F468\u200D\U0001F469"},
       {u"\U000E0041", u"\U00020000"},
-      {u"\uFFFE", u"\uFFFD"},
-      {Repeated(256, u"a"), Repeated(255, u"a")},
       {Repeated(128, u"\u00E4"), Repeated(127, u"\u00E4")},
       {Repeated(512, u"a/") + u"a", Repeated(511, u"a/") + u"a"},
   };
@@ -88,13 +69,9 @@ TEST(PortablePath, NamesThatCannotStandSideBySide) {
   };
   for (const auto& [paths, fits] : kCases) {
     SCOPED_TRACE(EscapedText(paths.back()));
-    bool passed = true;
-    try {
-      CheckPortablePaths(paths);
-    } catch (const NSMordel::XFormatViolation&) {
-      passed = false;
-    }
-    EXPECT_EQ(passed, fits);
+    const std::string fault = NSTest::FaultText<NSMordel::XFormatViolation>(
+        [&, &paths = paths] { CheckPortablePaths(paths); });
+    EXPECT_EQ(fault == "(nothing thrown)", fits) << fault;
   }
 }
 

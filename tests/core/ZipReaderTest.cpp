@@ -31,8 +31,13 @@ Bytes Deflate(const Bytes& bytes) {
   return packed;
 }
 
-void Put(Bytes& bytes, std::size_t value, int size) {
-  for (int i = 0; i < size; ++i) bytes.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
+/// Numbers and the bytes that each takes, the lowest first.
+using CFields = std::vector<std::pair<std::size_t, int>>;
+
+void Put(Bytes& bytes, const CFields& fields) {
+  for (const auto& [value, size] : fields) {
+    for (int i = 0; i < size; ++i) bytes.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
+  }
 }
 
 void Append(Bytes& bytes, const Bytes& more) {
@@ -56,59 +61,36 @@ CBuiltZip MakeZip(const std::vector<CBuiltMember>& members, const std::string& c
   CBuiltZip zip;
   Bytes directory;
   std::size_t entry = 0;
-  for (const CBuiltMember& member : members) {
-    // Not a structured binding: a lambda cannot hold on to one.
-    const auto& name = member.fName;
-    const auto& content = member.fContent;
-    const bool deflated = member.fDeflate, descriptor = member.fDescriptor;
+  for (const auto& [name, content, deflated, descriptor] : members) {
     const Bytes packed = deflated ? Deflate(content) : content;
     const std::size_t check = crc32_z(0, content.data(), content.size());
+    const std::size_t flags = descriptor ? 8 : 0, method = deflated ? 8 : 0;
+    const CFields sizes = {{check, 4}, {packed.size(), 4}, {content.size(), 4}};
     zip.fLocal = zip.fBytes.size();
-    entry = directory.size();
-    const auto shared = [&](Bytes& to, bool sizes) {
-      for (const std::size_t field :
-           {std::size_t{20}, descriptor ? std::size_t{8} : 0, deflated ? std::size_t{8} : 0,
-            std::size_t{0}, std::size_t{0}}) {
-        Put(to, field, 2);
-      }
-      for (const std::size_t field : {check, packed.size(), content.size()}) {
-        Put(to, sizes ? field : 0, 4);
-      }
-      Put(to, name.size(), 2);
-    };
-    Put(zip.fBytes, 0x04034B50, 4);
-    shared(zip.fBytes, !descriptor);
-    Put(zip.fBytes, 3, 2);
+    Put(zip.fBytes, {{0x04034B50, 4}, {20, 2}, {flags, 2}, {method, 2}, {0, 4}});
+    Put(zip.fBytes, descriptor ? CFields{{0, 8}, {0, 4}} : sizes);
+    Put(zip.fBytes, {{name.size(), 2}, {3, 2}});
     Append(zip.fBytes, Bytes(name.begin(), name.end()));
     Append(zip.fBytes, {1, 2, 3});
     zip.fData = zip.fBytes.size();
     Append(zip.fBytes, packed);
     if (descriptor) {
-      for (const std::size_t field :
-           {std::size_t{0x08074B50}, check, packed.size(), content.size()})
-        Put(zip.fBytes, field, 4);
+      Put(zip.fBytes, {{0x08074B50, 4}});
+      Put(zip.fBytes, sizes);
     }
-    Put(directory, 0x02014B50, 4);
-    Put(directory, 20, 2);
-    shared(directory, true);
-    Put(directory, 2, 2);
-    Put(directory, 1, 2);
-    Put(directory, 0, 8);
-    Put(directory, zip.fLocal, 4);
+    entry = directory.size();
+    Put(directory, {{0x02014B50, 4}, {20, 2}, {20, 2}, {flags, 2}, {method, 2}, {0, 4}});
+    Put(directory, sizes);
+    Put(directory, {{name.size(), 2}, {2, 2}, {1, 2}, {0, 8}, {zip.fLocal, 4}});
     Append(directory, Bytes(name.begin(), name.end()));
     Append(directory, {9, 9, 9});
   }
-  const std::size_t directoryOffset = zip.fBytes.size();
-  zip.fEntry = directoryOffset + entry;
+  const std::size_t start = zip.fBytes.size(), count = members.size();
+  zip.fEntry = start + entry;
   Append(zip.fBytes, directory);
   zip.fEnd = zip.fBytes.size();
-  Put(zip.fBytes, 0x06054B50, 4);
-  Put(zip.fBytes, 0, 4);
-  Put(zip.fBytes, members.size(), 2);
-  Put(zip.fBytes, members.size(), 2);
-  Put(zip.fBytes, directory.size(), 4);
-  Put(zip.fBytes, directoryOffset, 4);
-  Put(zip.fBytes, comment.size(), 2);
+  Put(zip.fBytes, {{0x06054B50, 4}, {0, 4}, {count, 2}, {count, 2}, {directory.size(), 4}});
+  Put(zip.fBytes, {{start, 4}, {comment.size(), 2}});
   Append(zip.fBytes, Bytes(comment.begin(), comment.end()));
   return zip;
 }

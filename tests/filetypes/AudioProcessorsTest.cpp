@@ -68,6 +68,8 @@ TEST(AudioProcessors, RefuseMoreFramesThanAStreamCounts) {
 
 TEST(AudioProcessors, PackAndSayWhatIsNotKept) {
   using ERemark::kSamplesConverted, ERemark::kSourceNotRestorable;
+  const std::string floating = CAudioBuilder::WAVE().Format(3, 1, 32).Data("1234").Bytes();
+  const std::string aiff = CAudioBuilder::AIFF().Common(2, 1, 16).Sound("1234").Bytes();
   struct {
     const char* fName;
     CFileTypeHandlers fHandlers;
@@ -76,11 +78,8 @@ TEST(AudioProcessors, PackAndSayWhatIsNotKept) {
   } const cases[] = {
       {"a.wav", WAVEFileType(), Mono16("1234").Bytes(), {}},
       {"b.wav", WAVEFileType(), Mono16("12345").Bytes(), {kSourceNotRestorable}},
-      {"c.wav",
-       WAVEFileType(),
-       CAudioBuilder::WAVE().Format(3, 1, 32).Data("1234").Bytes(),
-       {kSamplesConverted}},
-      {"d.aif", AIFFFileType(), CAudioBuilder::AIFF().Common(2, 1, 16).Sound("1234").Bytes(), {}},
+      {"c.wav", WAVEFileType(), floating, {kSamplesConverted}},
+      {"d.aif", AIFFFileType(), aiff, {}},
   };
   const NSTest::CTemporaryFolder folder;
   for (const auto& test : cases) {
@@ -107,16 +106,14 @@ TEST(AudioProcessors, TheHeaderTellsTuningAndLoop) {
   CMemoryMedia entry;
   EncodeAudioFile(Mono16(frames).Sampler(72, 0x80000000, 1, 10, 19).Media(), EAudioContainer::kWAVE,
                   entry, {});
-  CDWOPHeader header = CheckDWOPStream(entry, {}).fHeader;
-  CDWOPHeader expected;
-  expected.fLength = 100;
-  expected.fRootKey = 72;
-  expected.fFineTune = 50;
-  expected.fLoopMode = 2;
-  expected.fLoopStart = 10;
-  expected.fLoopEnd = 20;
-  expected.fRate = 44100;
-  EXPECT_EQ(header, expected);
+  const CDWOPHeader expected{.fLength = 100,
+                             .fRootKey = 72,
+                             .fFineTune = 50,
+                             .fLoopMode = 2,
+                             .fLoopStart = 10,
+                             .fLoopEnd = 20,
+                             .fRate = 44100};
+  EXPECT_EQ(CheckDWOPStream(entry, {}).fHeader, expected);
 }
 
 TEST(AudioProcessors, AMediumThatBreaksAnywhereIsAFailure) {

@@ -7,6 +7,7 @@
 
 #include "filetypes/dwop/DWOPExtraInfo.h"
 #include "package/MemoryMedia.h"
+#include "tests/support/FaultText.h"
 
 namespace NSTambraPacking {
 namespace {
@@ -63,12 +64,8 @@ TEST(DWOPExtraInfo, CopiesPieceByPiece) {
 TEST(DWOPExtraInfo, RefusesALengthBeyond32BitsBeforeItWrites) {
   CMemoryMedia media;
   CMediaCursor cursor(media);
-  try {
-    WriteExtraInfo(cursor, CHugeMedia(std::uint64_t{1} << 32), {});
-    ADD_FAILURE();
-  } catch (const NSMordel::XOutOfSpace& failure) {
-    EXPECT_STREQ(failure.what(), "extra info to large");
-  }
+  const auto write = [&] { WriteExtraInfo(cursor, CHugeMedia(std::uint64_t{1} << 32), {}); };
+  EXPECT_EQ(NSTest::FaultText<NSMordel::XOutOfSpace>(write), "extra info to large");
   EXPECT_EQ(media.Size(), 0u);
   EXPECT_THROW(WriteExtraInfo(cursor, CHugeMedia((std::uint64_t{1} << 32) - 1), {}),
                NSMordel::XRead);

@@ -6,6 +6,7 @@
 
 #include "filetypes/dwop/DWOPHeader.h"
 #include "package/MemoryMedia.h"
+#include "tests/support/Damage.h"
 
 namespace NSTambraPacking {
 namespace {
@@ -16,18 +17,16 @@ using NSTolbrook::CFormatVersion;
 using CBytes = std::vector<std::uint8_t>;
 
 CDWOPHeader SomeHeader(const CFormatVersion& version) {
-  CDWOPHeader header;
-  header.fVersion = version;
-  header.fLength = 0x01020304;
-  header.fRootKey = 61;
-  header.fFineTune = 0xF0;
-  header.fLoopMode = 2;
-  header.fChannels = 2;
-  header.fLoopStart = 0x11121314;
-  header.fLoopEnd = 0x21222324;
-  header.fRate = 96000;
-  header.fWidth = 24;
-  return header;
+  return {.fVersion = version,
+          .fLength = 0x01020304,
+          .fRootKey = 61,
+          .fFineTune = 0xF0,
+          .fLoopMode = 2,
+          .fChannels = 2,
+          .fLoopStart = 0x11121314,
+          .fLoopEnd = 0x21222324,
+          .fRate = 96000,
+          .fWidth = 24};
 }
 
 CBytes Write(const CDWOPHeader& header) {
@@ -111,11 +110,7 @@ TEST(DWOPHeader, RefusesWhatCannotBeDecoded) {
     EXPECT_EQ(FaultOf(bytes), test.fFault) << test.fOffset << ": " << int{test.fValue};
   }
   for (const CBytes& whole : {good, Write(SomeHeader({2, 0, 0}))}) {
-    for (std::size_t length = 0; length < whole.size(); ++length) {
-      EXPECT_EQ(FaultOf({whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length)}),
-                "format")
-          << length;
-    }
+    NSTest::ForEachCut(whole, [](const CBytes& cut) { EXPECT_EQ(FaultOf(cut), "format"); });
   }
 }
 
