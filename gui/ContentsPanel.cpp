@@ -73,7 +73,7 @@ QWidget* CContentsPanel::BuildFindings() {
   fDetail->viewport()->setAutoFillBackground(false);
   fDetail->document()->setDocumentMargin(0);
   fDetail->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-  fDetail->setFixedHeight(fDetail->fontMetrics().lineSpacing() * 9 / 2);
+  fDetail->setFixedHeight(fDetail->fontMetrics().lineSpacing() * 11 / 2);
   fDetail->setAccessibleName(Text(kTextFinding));
   connect(fFindings->selectionModel(), &QItemSelectionModel::currentChanged, this,
           [this](const QModelIndex& index) {
