@@ -11,8 +11,8 @@
 #include <filesystem>
 #include <fmt/format.h>
 #include <functional>
-#include <map>
 #include <new>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -173,12 +173,6 @@ Bytes Dumped(const CTextResources& texts, const NSBigFilePackage::SharedMedia& f
   return names;
 }
 
-Bytes Compared(const NSBigFilePackage::SharedMedia& package) {
-  const auto changes = ComparePackages(
-      package, package, [](const CChange&) {}, [] {});
-  return {static_cast<std::uint8_t>(changes)};
-}
-
 /// A store with items and streams over several commits, opened again.
 std::shared_ptr<CMemoryMedia> FilledStore() {
   const auto media = std::make_shared<CMemoryMedia>();
@@ -237,7 +231,11 @@ std::vector<CWork> Readings(const NSTolbrook::NativePath& path,
       {"extract", [=] { return Extracted(entries, folder); }, [=] { Clear(folder); }},
       {"dump of a package", [=] { return Dumped(texts, media); }},
       {"dump of a store", [=] { return Dumped(texts, store); }},
-      {"diff", [=] { return Compared(media); }},
+      {"diff",
+       [=] {
+         return Bytes(ComparePackages(
+             media, media, [](const CChange&) {}, [] {}));
+       }},
       {"block store", [] { return BytesOf(*FilledStore()); }},
       {"texts, alerts and menus", AlertsAndMenus},
       {"information", Informed},
@@ -297,25 +295,18 @@ void TryEach(const CWork& work, std::size_t most, CCounts& counts) {
   work.fBefore();
 }
 
-/// One file of each kind and extension.
-std::map<std::pair<std::int32_t, std::string>, const CScannedFile*> Kinds(const CSubject& subject) {
-  std::map<std::pair<std::int32_t, std::string>, const CScannedFile*> kinds;
-  for (const CScannedFile& file : subject.Files()) {
-    const auto* const packer = CFileTypeRegistry::Instance().FindPacker(file.fItem);
-    if (packer == nullptr) continue;
-    kinds.try_emplace({packer->EntryTypeCode(), file.fItem.Path().extension().string()}, &file);
-  }
-  return kinds;
-}
-
-/// The work on each kind of file.
+/// The work on one file of each kind and extension.
 std::vector<CWork> WorkOn(const CSubject& subject) {
   std::vector<CWork> works;
-  for (const auto& [kind, file] : Kinds(subject)) {
-    const std::string name = file->fItem.Path().string();
+  std::set<std::pair<std::int32_t, std::string>> kinds;
+  for (const CScannedFile& file : subject.Files()) {
+    const auto* const packer = CFileTypeRegistry::Instance().FindPacker(file.fItem);
+    const NSTolbrook::NativePath& path = file.fItem.Path();
+    if (packer == nullptr) continue;
+    if (!kinds.emplace(packer->EntryTypeCode(), path.extension().string()).second) continue;
     works.push_back(
-        {"verify " + name, [&subject, file = file] { return subject.Verify(*file), Bytes(); }});
-    works.push_back({"pack " + name, [&subject, file = file] { return subject.Pack(*file); }});
+        {"verify " + path.string(), [&subject, &file] { return subject.Verify(file), Bytes(); }});
+    works.push_back({"pack " + path.string(), [&subject, &file] { return subject.Pack(file); }});
   }
   return works;
 }
