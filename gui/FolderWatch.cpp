@@ -1,7 +1,6 @@
 #include "gui/FolderWatch.h"
 
 #include <QDir>
-#include <QSet>
 #include <thread>
 #include <utility>
 
@@ -56,8 +55,7 @@ CFolderWatch::CFolderWatch(const CTextResources& texts, QObject* parent)
       fParentDelay.start();
     }
   };
-  connect(&fWatcher, &QFileSystemWatcher::directoryChanged, this, changed);
-  connect(&fWatcher, &QFileSystemWatcher::fileChanged, this, changed);
+  connect(&fPaths, &CPathWatch::Changed, this, changed);
 }
 
 void CFolderWatch::SetFolder(const QString& folder) {
@@ -65,9 +63,9 @@ void CFolderWatch::SetFolder(const QString& folder) {
   fFingerprint = 0;
   fTask.Stop();
   fDelay.stop();
-  Unwatch({});
-  fParent.clear();
-  fIdentity = {};
+  fPaths.Unwatch({});
+  fParent = QFileInfo(folder).path();
+  fIdentity.reset();
   fParentDelay.stop();
   fParentTask.Stop();
   if (!folder.isEmpty()) LookAtParent();
@@ -103,22 +101,16 @@ void CFolderWatch::Start() {
 }
 
 void CFolderWatch::LookAtParent() {
-  const auto work = [this, folder = fFolder](const CTaskLink& link) {
-    const QString parent = QFileInfo(folder).path();
-    const bool isInside = parent != folder && QFileInfo(parent).isDir();
+  const auto work = [this, folder = fFolder, parent = fParent,
+                     isNew = !fIdentity](const CTaskLink& link) {
+    if (isNew && parent != folder && QFileInfo(parent).isDir()) fPaths.Watch({parent});
     const CFileIdentity identity = NSTolbrook::FileStatus(PathFromQt(folder), true).fIdentity;
-    link.Post([this, parent, isInside, identity] {
-      const CFileIdentity before = std::exchange(fIdentity, identity);
-      if (fParent.isEmpty()) {
-        fParent = parent;
-        if (isInside) Watch({parent});
-        fParentDelay.start();  // it may have gone before it was watched
-      } else if (before != identity) {
-        Unwatch({parent});  // what is watched may be elsewhere now
-        fTask.Stop();
-        fFingerprint = 0;
-        fDelay.start();
-      }
+    link.Post([this, identity, isNew] {
+      if (std::exchange(fIdentity, identity) == identity || isNew) return;
+      fPaths.Unwatch({fParent});  // what is watched may be elsewhere now
+      fTask.Stop();
+      fFingerprint = 0;
+      fDelay.start();
     });
   };
   fParentTask.Start(work, [](const std::exception_ptr&) {});  // one that cannot be seen is no news
@@ -135,10 +127,10 @@ void CFolderWatch::Look(const CTaskLink& link, const QString& folder, std::uint6
   report.fStopRequested = [&link] { return link.StopRequested(); };
   report.fListed = [&](const CFolderLook& listed) {
     if (listed.fFingerprint == known) return false;
+    if (!link.StopRequested()) fPaths.Watch(PathsToWatch(folder, listed));
     link.Post([this, listed = std::make_shared<const CFolderLook>(listed),
-               paths = PathsToWatch(folder, listed), splash = ReadPicture(SplashPath(folder))] {
+               splash = ReadPicture(SplashPath(folder))] {
       fFingerprint = 0;  // what is shown from now on has not been checked
-      Watch(paths);
       emit Listed(listed, splash);
     });
     return true;
@@ -165,19 +157,6 @@ void CFolderWatch::TakeFailure(const std::exception_ptr& failure) {
   look.fFindings.push_back(
       {EFinding::kProblem, {}, fTexts.Alert(choice->fNumber, choice->fArguments).fMessage, {}});
   emit Checked(std::make_shared<const CFolderLook>(std::move(look)));
-}
-
-void CFolderWatch::Unwatch(const QStringList& but) {
-  QStringList watched = fWatcher.directories() + fWatcher.files();
-  watched.removeIf([&but](const QString& path) { return but.contains(path); });
-  if (!watched.isEmpty()) fWatcher.removePaths(watched);
-}
-
-void CFolderWatch::Watch(QStringList paths) {
-  const QStringList known = fWatcher.directories() + fWatcher.files();
-  const QSet<QString> watched(known.begin(), known.end());
-  paths.removeIf([&watched](const QString& path) { return watched.contains(path); });
-  if (!paths.isEmpty()) fWatcher.addPaths(paths);
 }
 
 }  // namespace NSTambraGui

@@ -1,13 +1,14 @@
 #pragma once
 
-#include <QFileSystemWatcher>
 #include <QTimer>
+#include <optional>
 
 #include "Parts/TolbrookPackage/Core/FileSystem.h"
 
 #include "app/FolderLook.h"
 #include "app/TextResources.h"
 #include "gui/FindingsModel.h"
+#include "gui/PathWatch.h"
 #include "gui/SplashFile.h"
 #include "gui/package/BackgroundTask.h"
 
@@ -43,8 +44,6 @@ class CFolderWatch : public QObject {
   void Look(const CTaskLink& link, const QString& folder, std::uint64_t known);
   void Take(const SharedLook& look);
   void TakeFailure(const std::exception_ptr& failure);
-  void Watch(QStringList paths);
-  void Unwatch(const QStringList& but);
   /// Whether something has happened to the folder itself.
   void LookAtParent();
 
@@ -54,10 +53,11 @@ class CFolderWatch : public QObject {
   std::uint64_t fFingerprint = 0;
   bool fIsPaused = false;
   bool fIsAsked = false;  ///< to look again behind the present look
-  QFileSystemWatcher fWatcher;
+  CPathWatch fPaths;
   QTimer fDelay;
-  QString fParent;                      ///< of the folder; empty before it is watched
-  NSTolbrook::CFileIdentity fIdentity;  ///< of the folder when it was last seen; none: it was away
+  QString fParent;  ///< of the folder
+  /// Of the folder when it was last seen; zero when it was away, none before it is looked for.
+  std::optional<NSTolbrook::CFileIdentity> fIdentity;
   QTimer fParentDelay;
   CBackgroundTask fTask;
   CBackgroundTask fParentTask;
