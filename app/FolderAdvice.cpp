@@ -3,6 +3,7 @@
 #include <set>
 #include <unordered_map>
 
+#include "Parts/TolbrookPackage/Core/Exception.h"
 #include "Parts/TolbrookPackage/Core/PortablePath.h"
 #include "Parts/TolbrookPackage/Core/Text.h"
 
@@ -54,6 +55,15 @@ std::u16string UnportablePart(const std::u16string& path) {
   }
 }
 
+/// Under a name that no file can have, as far as that goes: the check tells of it.
+std::u16string PackageName(const CPackageInformation& information) {
+  try {
+    return information.OutputFileName();
+  } catch (const NSMordel::XFormatViolation&) {
+    return information.fName;
+  }
+}
+
 }  // namespace
 
 void AdviseOnStrayFiles(const CPackJobState& state, CAdviceList& advice) {
@@ -101,7 +111,7 @@ void AdviseOnSize(const CPackJobState& state, std::uint64_t sampleBytes, CAdvice
     if (entry.TakesPart() && !isSample) size += entry.fSize;
   }
   if (size <= kPackageLimit / 10 * 9) return;
-  advice.Add(EAdvice::kSizeLimit, state.fInformation.OutputFileName(),
+  advice.Add(EAdvice::kSizeLimit, PackageName(state.fInformation),
              {{"megabytes", size / 1'000'000}, {"limit_megabytes", kPackageLimit / 1'000'000}});
 }
 

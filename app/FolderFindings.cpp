@@ -86,12 +86,8 @@ void AddNotes(const CTextResources& texts, const CPackJobState& state,
     findings.push_back({EFinding::kNote, file, texts.Text(kLookUnreferenced), {}});
   }
   for (const CJobEntry& entry : state.fEntries) {
-    if (!entry.TakesPart()) continue;
-    for (const ERemark remark : entry.fRemarks) {
-      const CStringNumber number{kFirstLookRemark.fTable,
-                                 kFirstLookRemark.fEntry + static_cast<int>(remark)};
-      findings.push_back({EFinding::kNote, entry.fFile.fPath, texts.Text(number), {}});
-    }
+    if (!entry.TakesPart() || !entry.fRemarks.contains(ERemark::kLoopStructureOnly)) continue;
+    findings.push_back({EFinding::kNote, entry.fFile.fPath, texts.Text(kLookLoopStructure), {}});
   }
 }
 

@@ -12,7 +12,7 @@ namespace NSTambraPacking {
 enum class EFinding {
   kProblem,  ///< keeps the folder from being packed
   kLeftOut,  ///< a file that will not be in the package
-  kNote,     ///< goes into the log
+  kNote,     ///< goes into the log, or is good to know
   kAdvice,   ///< can be packed, and is yet not as it should be
 };
 

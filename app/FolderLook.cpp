@@ -5,6 +5,7 @@
 #include <functional>
 #include <iterator>
 #include <map>
+#include <set>
 #include <utility>
 
 #include "Parts/TolbrookPackage/Core/Exception.h"
@@ -96,12 +97,13 @@ class CFingerprint {
   void Add(const std::u16string& text) {
     for (const char16_t unit : text) Add(std::uint64_t{unit});
   }
-  /// Its size, which comes back, and the time when it was last written to.
+  /// Its size, which comes back, who may read it, and the time when it was last written to.
   std::uint64_t AddFile(const NSTolbrook::NativePath& path) {
     const std::uint64_t size = NSTolbrook::FileStatus(path, true).fSize;
-    std::error_code noTime;  // a file that is gone again is found out about by the check
-    const auto time = std::filesystem::last_write_time(path, noTime);
+    std::error_code gone;  // a file that is gone again is found out about by the check
+    const auto time = std::filesystem::last_write_time(path, gone);
     Add(size);
+    Add(static_cast<std::uint64_t>(std::filesystem::status(path, gone).permissions()));
     Add(static_cast<std::uint64_t>(time.time_since_epoch().count()));
     return size;
   }
@@ -158,6 +160,14 @@ void ListFiles(const CTextResources& texts, const NSTolbrook::NativePath& folder
   look.fFingerprint = fingerprint.Value();
 }
 
+/// `file` from the folder on, when it lies there.
+std::u16string InnerPath(std::u16string file, const NSTolbrook::NativePath& folder) {
+  const std::u16string outer = NSTolbrook::TextFromUtf8(NSTolbrook::DisplayText(folder));
+  if (!file.starts_with(outer)) return file;
+  file.erase(0, outer.size());
+  return file.erase(0, file.find_first_not_of(u"/\\"));
+}
+
 /// A check of the listed folder.
 class CLookCheck {
  public:
@@ -171,21 +181,27 @@ class CLookCheck {
   }
 
   void Check(CPackSettings settings) {
+    fFolder = settings.fInputFolder.Path();
     settings.fFolderFault = [this](const std::exception_ptr& fault) { AddFault(fault); };
     CPackageInformation information;
-    Attempt([&] { fPacker.Check(settings, information, fProgress); });
+    fHasVerdict = Attempt([&] { fPacker.Check(settings, information, fProgress); });
     const CPackJobState* const state = fPacker.State();
     if (state == nullptr) return;
-    std::ranges::move(CheckAsFindings(fTexts, *state), std::back_inserter(fLook.fFindings));
+    std::set<std::u16string> told;  // a splash that is no picture cannot be verified, either
+    for (const CFolderFinding& fault : fLook.fFindings) told.insert(fault.fFile);
+    for (CFolderFinding& finding : CheckAsFindings(fTexts, *state)) {
+      const bool isTold = finding.fKind == EFinding::kProblem && told.contains(finding.fFile);
+      if (!isTold) fLook.fFindings.push_back(std::move(finding));
+    }
     fLook.fPackable =
         static_cast<std::size_t>(std::ranges::count_if(state->fEntries, &CJobEntry::TakesPart));
   }
 
-  void Advise(const NSTolbrook::NativePath& folder) {
-    if (fPacker.State() == nullptr) return;
+  void Advise() {
+    if (!fHasVerdict) return;
     CAdviceRules rules;
     try {
-      rules.AddFileOf(folder);
+      rules.AddFileOf(fFolder);
     } catch (const NSMordel::CExceptionBodyMixin& e) {
       const std::u16string reason = NSTolbrook::TextFromUtf8(e.Message());
       const std::u16string file(kAdviceRulesName);
@@ -200,23 +216,29 @@ class CLookCheck {
 
  private:
   void AddFault(const std::exception_ptr& fault) {
-    fLook.fFindings.push_back(FaultAsFinding(fTexts, fault));
+    CFolderFinding finding = FaultAsFinding(fTexts, fault);
+    finding.fFile = InnerPath(std::move(finding.fFile), fFolder);
+    fLook.fFindings.push_back(std::move(finding));
   }
 
-  /// What `work` fails with becomes a finding; an XAbort is none, since the lists tell why.
-  void Attempt(const std::function<void()>& work) {
+  /// What `work` fails with becomes a finding; an XAbort is none, since the lists tell why. False
+  /// when it broke off.
+  bool Attempt(const std::function<void()>& work) {
+    bool isDone = true;
     try {
       work();
     } catch (const NSMordel::XSilentAbort&) {
       throw;
     } catch (const NSMordel::XAbort&) {
     } catch (...) {
+      isDone = false;
       fPacker.ShowFailure(std::current_exception());
     }
     for (std::u16string& told : fPresenter.fTold) {
       fLook.fFindings.push_back({EFinding::kProblem, {}, std::move(told), {}});
     }
     fPresenter.fTold.clear();
+    return isDone;
   }
 
   const CTextResources& fTexts;
@@ -226,6 +248,8 @@ class CLookCheck {
   CLookView fView;
   CTambraPacker fPacker;
   CTambraPackProgress fProgress;
+  NSTolbrook::NativePath fFolder;
+  bool fHasVerdict = false;
 };
 
 }  // namespace
@@ -238,7 +262,9 @@ CFolderLook LookAtFolder(const CTextResources& texts, const CPackSettings& setti
   } catch (const NSMordel::XSilentAbort&) {
     throw;
   } catch (...) {
-    look.fFindings.push_back(FaultAsFinding(texts, std::current_exception()));
+    CFolderFinding fault = FaultAsFinding(texts, std::current_exception());
+    fault.fFile = InnerPath(std::move(fault.fFile), settings.fInputFolder.Path());
+    look.fFindings.push_back(std::move(fault));
     look.fIsChecked = true;
     return look;
   }
@@ -247,7 +273,7 @@ CFolderLook LookAtFolder(const CTextResources& texts, const CPackSettings& setti
   check.Check(settings);
   look.fIsChecked = true;
   report.fChecked(look);
-  check.Advise(settings.fInputFolder.Path());
+  check.Advise();
   return look;
 }
 

@@ -50,7 +50,8 @@ struct CFolderLookReport {
 /// Lists the input folder of `settings`, checks it as a run would and gives advice by the folder's
 /// own rules; questions are taken as answered by going on. Writes nothing. What is wrong with the
 /// folder or with the package's information is a finding, not a failure, and keeps nothing else
-/// from being found. Throws XSilentAbort when it is stopped.
+/// from being found unless the folder or its information texts cannot be read. Throws XSilentAbort
+/// when it is stopped.
 CFolderLook LookAtFolder(const CTextResources& texts, const CPackSettings& settings,
                          const CFolderLookReport& report);
 

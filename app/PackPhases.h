@@ -26,7 +26,8 @@ struct CPhaseContext {
 };
 
 /// The phases of a run in their order. Each checks for a stop request first (XSilentAbort "User
-/// aborted"), reports its items in order and leaves its results in the state.
+/// aborted"), reports its items in order and leaves its results in the state. What 0 and 1 throw
+/// about the folder as a whole goes where the settings want it, if they do.
 
 /// 0: makes an entry for each file of the input folder, in scan order; those that the publisher
 /// named are left out at once. Throws XResolve for a broken shortcut.

@@ -140,8 +140,7 @@ inline constexpr CStringNumber kLookBadRules{128, 608};
 inline constexpr CStringNumber kLookAdvice{128, 609};
 /// Of the first reason to leave a file out, those of the others follow it.
 inline constexpr CStringNumber kFirstLookLeftOut{128, 610};
-/// Of the first kind of remark, those of the others follow it.
-inline constexpr CStringNumber kFirstLookRemark{128, 670};
+inline constexpr CStringNumber kLookLoopStructure{128, 670};
 /// What is wrong with the folder as a whole, with what helps.
 inline constexpr CStringNumber kLookNoName{128, 680};
 inline constexpr CStringNumber kLookNoNameHint{128, 681};

@@ -75,11 +75,12 @@ QWidget* CContentsPanel::BuildFindings() {
   fDetail->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   fDetail->setFixedHeight(fDetail->fontMetrics().lineSpacing() * 11 / 2);
   fDetail->setAccessibleName(Text(kTextFinding));
-  connect(fFindings->selectionModel(), &QItemSelectionModel::currentChanged, this,
-          [this](const QModelIndex& index) {
-            fDetail->setPlainText(fModel->Detail(index.row()));
-            if (index.isValid()) fChosen = fModel->Finding(index.row());
-          });
+  const auto choose = [this](const QModelIndex& index) {
+    fDetail->setPlainText(fModel->Detail(index.row()));
+    if (index.isValid()) fChosen = fModel->Finding(index.row());
+  };
+  connect(fFindings->selectionModel(), &QItemSelectionModel::currentChanged, this, choose);
+  connect(fFindings, &QTreeView::clicked, this, choose);  // of what is the current one already
   auto* const box = new QWidget;
   auto* const column = new QVBoxLayout(box);
   column->setContentsMargins(0, 0, 0, 0);

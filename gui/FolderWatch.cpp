@@ -56,6 +56,7 @@ CFolderWatch::CFolderWatch(const CTextResources& texts, QObject* parent)
     }
   };
   connect(&fPaths, &CPathWatch::Changed, this, changed);
+  connect(&fPaths, &CPathWatch::Begun, this, &CFolderWatch::LookAgain);
 }
 
 void CFolderWatch::SetFolder(const QString& folder) {
@@ -65,6 +66,7 @@ void CFolderWatch::SetFolder(const QString& folder) {
   fDelay.stop();
   fPaths.Unwatch({});
   fParent = QFileInfo(folder).path();
+  if (fParent == folder) fParent.clear();  // the root of a disk
   fIdentity.reset();
   fParentDelay.stop();
   fParentTask.Stop();
@@ -92,21 +94,22 @@ void CFolderWatch::SetPaused(bool isPaused) {
 
 void CFolderWatch::Start() {
   if (fFolder.isEmpty() || fIsPaused) return;
-  fTask.Start([this, folder = fFolder,
-               known = fFingerprint](const CTaskLink& link) { Look(link, folder, known); },
-              [this](const std::exception_ptr& failure) {
-                if (failure) TakeFailure(failure);
-                if (std::exchange(fIsAsked, false)) fDelay.start();
-              });
+  QStringList places(fFolder);
+  if (!fParent.isEmpty()) places += fParent;
+  fTask.Start(
+      [this, places, known = fFingerprint](const CTaskLink& link) { Look(link, places, known); },
+      [this](const std::exception_ptr& failure) {
+        if (failure) TakeFailure(failure);
+        if (std::exchange(fIsAsked, false)) fDelay.start();
+      });
 }
 
 void CFolderWatch::LookAtParent() {
-  const auto work = [this, folder = fFolder, parent = fParent,
-                     isNew = !fIdentity](const CTaskLink& link) {
-    if (isNew && parent != folder && QFileInfo(parent).isDir()) fPaths.Watch({parent});
+  const auto work = [this, folder = fFolder](const CTaskLink& link) {
     const CFileIdentity identity = NSTolbrook::FileStatus(PathFromQt(folder), true).fIdentity;
-    link.Post([this, identity, isNew] {
-      if (std::exchange(fIdentity, identity) == identity || isNew) return;
+    link.Post([this, identity] {
+      const auto before = std::exchange(fIdentity, identity);
+      if (!before || before == identity) return;
       fPaths.Unwatch({fParent});  // what is watched may be elsewhere now
       fTask.Stop();
       fFingerprint = 0;
@@ -117,7 +120,11 @@ void CFolderWatch::LookAtParent() {
 }
 
 /// On the thread of the task.
-void CFolderWatch::Look(const CTaskLink& link, const QString& folder, std::uint64_t known) {
+void CFolderWatch::Look(const CTaskLink& link, const QStringList& places, std::uint64_t known) {
+  const auto isWanted = [link] { return !link.StopRequested(); };
+  // What cannot be listed is watched, too, and so is a folder that has come back.
+  fPaths.Watch(places, isWanted);
+  const QString& folder = places.front();
   CPackSettings settings;
   settings.fInputFolder = NSTolbrook::CFileItem(PathFromQt(folder));
   settings.fJobs = std::max(1U, std::thread::hardware_concurrency() / 2);
@@ -127,24 +134,25 @@ void CFolderWatch::Look(const CTaskLink& link, const QString& folder, std::uint6
   report.fStopRequested = [&link] { return link.StopRequested(); };
   report.fListed = [&](const CFolderLook& listed) {
     if (listed.fFingerprint == known) return false;
-    if (!link.StopRequested()) fPaths.Watch(PathsToWatch(folder, listed));
     link.Post([this, listed = std::make_shared<const CFolderLook>(listed),
                splash = ReadPicture(SplashPath(folder))] {
       fFingerprint = 0;  // what is shown from now on has not been checked
       emit Listed(listed, splash);
     });
+    fPaths.Watch(PathsToWatch(folder, listed), isWanted);
     return true;
   };
+  std::optional<std::size_t> told;  // findings
   report.fChecked = [&](const CFolderLook& checked) {
+    told = checked.fFindings.size();
     link.Post([this, look = std::make_shared<const CFolderLook>(checked)] { emit Checked(look); });
   };
   const auto look = std::make_shared<const CFolderLook>(LookAtFolder(fTexts, settings, report));
-  if (look->fIsChecked) link.Post([this, look] { Take(look); });
-}
-
-void CFolderWatch::Take(const SharedLook& look) {
-  fFingerprint = look->fFingerprint;
-  emit Checked(look);
+  if (!look->fIsChecked) return;
+  link.Post([this, look, isNews = told != look->fFindings.size()] {
+    fFingerprint = look->fFingerprint;
+    if (isNews) emit Checked(look);
+  });
 }
 
 /// A sliced-loop library that is there and cannot be loaded, or no memory.

@@ -41,8 +41,8 @@ class CFolderWatch : public QObject {
 
  private:
   void Start();
-  void Look(const CTaskLink& link, const QString& folder, std::uint64_t known);
-  void Take(const SharedLook& look);
+  /// `places` are the folder and the one that it is in, if there is one.
+  void Look(const CTaskLink& link, const QStringList& places, std::uint64_t known);
   void TakeFailure(const std::exception_ptr& failure);
   /// Whether something has happened to the folder itself.
   void LookAtParent();
@@ -55,7 +55,7 @@ class CFolderWatch : public QObject {
   bool fIsAsked = false;  ///< to look again behind the present look
   CPathWatch fPaths;
   QTimer fDelay;
-  QString fParent;  ///< of the folder
+  QString fParent;  ///< of the folder; empty when it is in none
   /// Of the folder when it was last seen; zero when it was away, none before it is looked for.
   std::optional<NSTolbrook::CFileIdentity> fIdentity;
   QTimer fParentDelay;

@@ -353,10 +353,10 @@ void CMainWindow::UpdateState() {
 void CMainWindow::CheckOutput() {
   fOutputFault.clear();
   fOutputCheck.Stop();
-  UpdateState();
-  if (fInput->Folder().isEmpty() || fOutput->Folder().isEmpty()) return;
-  const auto check = [input = PathFromQt(fInput->Folder()), output = PathFromQt(fOutput->Folder())](
-                         const CTaskLink&) { CheckOutputFolder(input, output); };
+  if (fInput->Folder().isEmpty() || fOutput->Folder().isEmpty()) return UpdateState();
+  const auto check = [input = fInput->Folder(), output = fOutput->Folder()](const CTaskLink&) {
+    CheckOutputFolder(PathFromQt(input), PathFromQt(output));
+  };
   fOutputCheck.Start(check, [this](const std::exception_ptr& failure) {
     try {
       if (failure) std::rethrow_exception(failure);
@@ -367,6 +367,7 @@ void CMainWindow::CheckOutput() {
     }
     UpdateState();
   });
+  UpdateState();
 }
 
 QString CMainWindow::StateText() const {
@@ -378,6 +379,7 @@ QString CMainWindow::StateText() const {
       [](const CFolderFinding& finding) { return finding.fKind == EFinding::kProblem; });
   if (problems > 0) return Text(kTextNotReady, {Number(problems)});
   if (fOutput->Folder().isEmpty()) return Text(kTextNoOutput);
+  if (fOutputCheck.IsRunning()) return Text(kTextLooking);
   if (!fOutputFault.isEmpty()) return fOutputFault;
   return Text(kTextReady,
               {Number(static_cast<qint64>(fLook->fPackable)), FromQt(SizeText(fLook->fSize))});

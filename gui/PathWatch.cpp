@@ -23,14 +23,16 @@ CPathWatch::~CPathWatch() {
   fThread.wait();
 }
 
-void CPathWatch::Watch(const QStringList& paths) {
-  const auto watch = [this, fresh = paths]() mutable {
+void CPathWatch::Watch(const QStringList& paths, std::function<bool()> isWanted) {
+  const auto watch = [this, fresh = paths, isWanted = std::move(isWanted)]() mutable {
+    if (!isWanted()) return;
     const QStringList known = Watched();
     const QSet<QString> watched(known.begin(), known.end());
     fresh.removeIf([&watched](const QString& path) { return watched.contains(path); });
-    if (!fresh.isEmpty()) fWatcher->addPaths(fresh);
+    if (fresh.isEmpty()) return;
+    if (fWatcher->addPaths(fresh).size() < fresh.size()) emit Begun();
   };
-  QMetaObject::invokeMethod(&fPlace, watch, Qt::BlockingQueuedConnection);
+  QMetaObject::invokeMethod(&fPlace, watch, Qt::QueuedConnection);
 }
 
 void CPathWatch::Unwatch(const QStringList& kept) {

@@ -2,6 +2,7 @@
 
 #include <QFileSystemWatcher>
 #include <QThread>
+#include <functional>
 #include <memory>
 
 namespace NSTambraGui {
@@ -15,13 +16,15 @@ class CPathWatch : public QObject {
   CPathWatch();
   ~CPathWatch() override;
 
-  /// Watches these, too. Waits until it does, so it is not for the window's thread.
-  void Watch(const QStringList& paths);
+  /// Soon watches these, too, if they are still wanted by then.
+  void Watch(const QStringList& paths, std::function<bool()> isWanted);
   /// Soon watches none but `kept` any more.
   void Unwatch(const QStringList& kept);
 
  signals:
   void Changed(const QString& path);
+  /// Paths are watched that were not before: what changed up to now has not been told.
+  void Begun();
 
  private:
   QStringList Watched() const { return fWatcher->directories() + fWatcher->files(); }

@@ -28,7 +28,6 @@ class CMainWindowTest : public QObject {
  private slots:
   void looksAtTheFolderAndAgainWhenItChanges();
   void tellsAllFaultsAtOnceAndAdvice();
-  void endsALookWhoseReasonHasGone();
   void packsAndShowsEveryEnding();
   void tellsWhatEndsARun();
   void survivesMissingTexts();
@@ -41,7 +40,6 @@ class CMainWindowTest : public QObject {
   void takesWhatIsDropped();
   void savesInformationAndSplash();
   void isAccessibleAndRemembers();
-  void noticesAFolderThatGoesAndComesBack();
 };
 
 void CMainWindowTest::looksAtTheFolderAndAgainWhenItChanges() {
@@ -110,28 +108,6 @@ void CMainWindowTest::tellsAllFaultsAtOnceAndAdvice() {
   QVERIFY(QTest::qWaitFor(
       [&] { return window.Findings().filter("Advice|.tambra-check|The rules").size() == 1; },
       kPatience));
-}
-
-void CMainWindowTest::endsALookWhoseReasonHasGone() {
-  NSTest::CLibrary library;
-  const CTextResources texts;
-  CFolderWatch watch(texts, nullptr);
-  const auto waits = [&] { return QTest::qWaitFor([&] { return !watch.IsLooking(); }, kPatience); };
-  watch.SetFolder(PathToQt(library.Input()));
-  QVERIFY(waits());
-  QSignalSpy checked(&watch, &CFolderWatch::Checked);
-  bool wasThere = false;
-  QObject::connect(&watch, &CFolderWatch::Listed, &watch, [&](const SharedLook& look) {
-    if (std::exchange(wasThere, true)) return;
-    QCOMPARE(look->fCount, std::size_t{3});
-    watch.SetPaused(true);
-    library.Without("z.doc");
-    watch.SetPaused(false);
-  });
-  library.WithFile("z.doc", "?");
-  watch.LookAgain();
-  QVERIFY(waits());
-  QVERIFY(wasThere && !checked.isEmpty());
 }
 
 void CMainWindowTest::packsAndShowsEveryEnding() {
@@ -490,24 +466,6 @@ void CMainWindowTest::isAccessibleAndRemembers() {
   QVERIFY(
       std::ranges::is_sorted(expected, {}, [&](const auto& name) { return order.indexOf(name); }));
   QVERIFY(order.indexOf(expected[0]) >= 0);
-}
-
-void CMainWindowTest::noticesAFolderThatGoesAndComesBack() {
-  NSTest::CLibrary library;
-  CTestWindow window;
-  window.Choose(library.Input(), library.Output());
-  const auto becomes = [&](const QString& state) {
-    return QTest::qWaitFor([&] { return window.State().startsWith(state); }, 20000);
-  };
-  const fs::path away = library.Folder().Path() / "away";
-  for (int turn = 0; turn < 2; ++turn) {
-    fs::rename(library.Input(), away);
-    QVERIFY2(becomes("Not ready"), qPrintable(window.State()));
-    fs::rename(away, library.Input());
-    QVERIFY2(becomes("Ready"), qPrintable(window.State()));
-  }
-  library.WithFile("c.wav", "RIFF");
-  QVERIFY(becomes("Not ready"));
 }
 
 }  // namespace
