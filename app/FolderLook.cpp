@@ -160,12 +160,16 @@ void ListFiles(const CTextResources& texts, const NSTolbrook::NativePath& folder
   look.fFingerprint = fingerprint.Value();
 }
 
-/// `file` from the folder on, when it lies there.
-std::u16string InnerPath(std::u16string file, const NSTolbrook::NativePath& folder) {
-  const std::u16string outer = NSTolbrook::TextFromUtf8(NSTolbrook::DisplayText(folder));
-  if (!file.starts_with(outer)) return file;
-  file.erase(0, outer.size());
-  return file.erase(0, file.find_first_not_of(u"/\\"));
+/// `file` from the folder on, when it lies there; links on the way to it may have been followed.
+std::u16string InnerPath(const std::u16string& file, const NSTolbrook::NativePath& folder) {
+  std::error_code unknown;
+  for (const auto& root : {folder, std::filesystem::weakly_canonical(folder, unknown)}) {
+    const std::u16string outer = NSTolbrook::TextFromUtf8(NSTolbrook::DisplayText(root));
+    if (outer.empty() || !file.starts_with(outer)) continue;
+    const std::size_t inner = file.find_first_not_of(u"/\\", outer.size());
+    if (inner > outer.size() && inner < file.size()) return file.substr(inner);
+  }
+  return file;
 }
 
 /// A check of the listed folder.
@@ -184,7 +188,8 @@ class CLookCheck {
     fFolder = settings.fInputFolder.Path();
     settings.fFolderFault = [this](const std::exception_ptr& fault) { AddFault(fault); };
     CPackageInformation information;
-    fHasVerdict = Attempt([&] { fPacker.Check(settings, information, fProgress); });
+    fHasVerdict =
+        Attempt(EFinding::kProblem, [&] { fPacker.Check(settings, information, fProgress); });
     const CPackJobState* const state = fPacker.State();
     if (state == nullptr) return;
     std::set<std::u16string> told;  // a splash that is no picture cannot be verified, either
@@ -209,7 +214,7 @@ class CLookCheck {
           {EFinding::kAdvice, file, fTexts.Text(kLookBadRules, {reason}), {}});
       return;
     }
-    Attempt([&] { fPacker.Advise(rules, fProgress); });
+    Attempt(EFinding::kAdvice, [&] { fPacker.Advise(rules, fProgress); });
     std::ranges::move(AdviceAsFindings(fTexts, *fPacker.State()),
                       std::back_inserter(fLook.fFindings));
   }
@@ -217,13 +222,13 @@ class CLookCheck {
  private:
   void AddFault(const std::exception_ptr& fault) {
     CFolderFinding finding = FaultAsFinding(fTexts, fault);
-    finding.fFile = InnerPath(std::move(finding.fFile), fFolder);
+    finding.fFile = InnerPath(finding.fFile, fFolder);
     fLook.fFindings.push_back(std::move(finding));
   }
 
-  /// What `work` fails with becomes a finding; an XAbort is none, since the lists tell why. False
-  /// when it broke off.
-  bool Attempt(const std::function<void()>& work) {
+  /// What `work` fails with becomes a finding of that kind; an XAbort is none, since the lists tell
+  /// why. False when it broke off.
+  bool Attempt(EFinding kind, const std::function<void()>& work) {
     bool isDone = true;
     try {
       work();
@@ -235,7 +240,7 @@ class CLookCheck {
       fPacker.ShowFailure(std::current_exception());
     }
     for (std::u16string& told : fPresenter.fTold) {
-      fLook.fFindings.push_back({EFinding::kProblem, {}, std::move(told), {}});
+      fLook.fFindings.push_back({kind, {}, std::move(told), {}});
     }
     fPresenter.fTold.clear();
     return isDone;
@@ -263,7 +268,7 @@ CFolderLook LookAtFolder(const CTextResources& texts, const CPackSettings& setti
     throw;
   } catch (...) {
     CFolderFinding fault = FaultAsFinding(texts, std::current_exception());
-    fault.fFile = InnerPath(std::move(fault.fFile), settings.fInputFolder.Path());
+    fault.fFile = InnerPath(fault.fFile, settings.fInputFolder.Path());
     look.fFindings.push_back(std::move(fault));
     look.fIsChecked = true;
     return look;

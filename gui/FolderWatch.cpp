@@ -16,7 +16,6 @@ namespace NSTambraGui {
 namespace {
 
 using namespace NSTambraPacking;
-using NSTolbrook::CFileIdentity;
 
 /// Changes come in swarms.
 constexpr int kDelay = 400;  // milliseconds
@@ -25,15 +24,20 @@ constexpr int kParentDelay = 200;
 /// The system's watches are few and belong to all programs.
 constexpr std::size_t kMostFolders = 2000;
 
-QStringList PathsToWatch(const QString& folder, const CFolderLook& look) {
-  QStringList paths{folder};
+/// A folder tells of files that come and go, a file of its own text: these are edited in place.
+QStringList TextsToWatch(const QString& folder) {
+  QStringList paths;
+  for (const QString& name : QDir(folder).entryList({"*.txt", "*.jpg"}, QDir::Files)) {
+    if (IsInformationFile(FromQt(name)) || IsSplash(FromQt(name))) paths += folder + "/" + name;
+  }
+  return paths;
+}
+
+QStringList FoldersToWatch(const QString& folder, const CFolderLook& look) {
+  QStringList paths;
   for (const std::u16string& inner : look.fFolders) {
     if (static_cast<std::size_t>(paths.size()) >= kMostFolders) break;
     paths += folder + "/" + ToQt(inner);
-  }
-  // A folder tells of files that come and go, a file of its own text: these are edited in place.
-  for (const QString& name : QDir(folder).entryList({"*.txt", "*.jpg"}, QDir::Files)) {
-    if (IsInformationFile(FromQt(name)) || IsSplash(FromQt(name))) paths += folder + "/" + name;
   }
   return paths;
 }
@@ -56,7 +60,7 @@ CFolderWatch::CFolderWatch(const CTextResources& texts, QObject* parent)
     }
   };
   connect(&fPaths, &CPathWatch::Changed, this, changed);
-  connect(&fPaths, &CPathWatch::Begun, this, &CFolderWatch::LookAgain);
+  connect(&fPaths, &CPathWatch::Begun, this, &CFolderWatch::AskForLook);
 }
 
 void CFolderWatch::SetFolder(const QString& folder) {
@@ -64,10 +68,10 @@ void CFolderWatch::SetFolder(const QString& folder) {
   fFingerprint = 0;
   fTask.Stop();
   fDelay.stop();
-  fPaths.Unwatch({});
+  fPaths.Unwatch();
   fParent = QFileInfo(folder).path();
   if (fParent == folder) fParent.clear();  // the root of a disk
-  fIdentity.reset();
+  fPlace.reset();
   fParentDelay.stop();
   fParentTask.Stop();
   if (!folder.isEmpty()) LookAtParent();
@@ -75,6 +79,11 @@ void CFolderWatch::SetFolder(const QString& folder) {
 }
 
 void CFolderWatch::LookAgain() {
+  if (!fFolder.isEmpty()) LookAtParent();
+  AskForLook();
+}
+
+void CFolderWatch::AskForLook() {
   if (fTask.IsRunning()) {
     fIsAsked = true;
   } else {
@@ -106,25 +115,33 @@ void CFolderWatch::Start() {
 
 void CFolderWatch::LookAtParent() {
   const auto work = [this, folder = fFolder](const CTaskLink& link) {
-    const CFileIdentity identity = NSTolbrook::FileStatus(PathFromQt(folder), true).fIdentity;
-    link.Post([this, identity] {
-      const auto before = std::exchange(fIdentity, identity);
-      if (!before || before == identity) return;
-      fPaths.Unwatch({fParent});  // what is watched may be elsewhere now
+    CPlace place;
+    try {
+      const NSTolbrook::NativePath path = PathFromQt(folder);
+      place.fIdentity = NSTolbrook::FileStatus(path, true).fIdentity;
+      place.fPermissions = std::filesystem::status(path).permissions();
+    } catch (const NSMordel::CExceptionBodyMixin&) {  // one that cannot be seen is away
+    } catch (const std::filesystem::filesystem_error&) {
+    }
+    link.Post([this, place] {
+      const auto before = std::exchange(fPlace, place);
+      if (!before || before == place) return;
+      fPaths.Unwatch();  // what is watched may be elsewhere now
       fTask.Stop();
       fFingerprint = 0;
       fDelay.start();
     });
   };
-  fParentTask.Start(work, [](const std::exception_ptr&) {});  // one that cannot be seen is no news
+  fParentTask.Start(work, [](const std::exception_ptr&) {});
 }
 
 /// On the thread of the task.
 void CFolderWatch::Look(const CTaskLink& link, const QStringList& places, std::uint64_t known) {
   const auto isWanted = [link] { return !link.StopRequested(); };
-  // What cannot be listed is watched, too, and so is a folder that has come back.
-  fPaths.Watch(places, isWanted);
   const QString& folder = places.front();
+  const QStringList watched = places + TextsToWatch(folder);
+  // What cannot be listed is watched, too, and so is a folder that has come back.
+  fPaths.Watch(watched, isWanted);
   CPackSettings settings;
   settings.fInputFolder = NSTolbrook::CFileItem(PathFromQt(folder));
   settings.fJobs = std::max(1U, std::thread::hardware_concurrency() / 2);
@@ -139,7 +156,7 @@ void CFolderWatch::Look(const CTaskLink& link, const QStringList& places, std::u
       fFingerprint = 0;  // what is shown from now on has not been checked
       emit Listed(listed, splash);
     });
-    fPaths.Watch(PathsToWatch(folder, listed), isWanted);
+    fPaths.WatchOnly(watched + FoldersToWatch(folder, listed), isWanted);
     return true;
   };
   std::optional<std::size_t> told;  // findings

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QTimer>
+#include <filesystem>
 #include <optional>
 
 #include "Parts/TolbrookPackage/Core/FileSystem.h"
@@ -40,7 +41,15 @@ class CFolderWatch : public QObject {
   void Checked(const SharedLook& look);
 
  private:
+  /// What a folder is known by; nothing when it is away.
+  struct CPlace {
+    NSTolbrook::CFileIdentity fIdentity;
+    std::filesystem::perms fPermissions{};
+    bool operator==(const CPlace&) const = default;
+  };
+
   void Start();
+  void AskForLook();
   /// `places` are the folder and the one that it is in, if there is one.
   void Look(const CTaskLink& link, const QStringList& places, std::uint64_t known);
   void TakeFailure(const std::exception_ptr& failure);
@@ -56,8 +65,8 @@ class CFolderWatch : public QObject {
   CPathWatch fPaths;
   QTimer fDelay;
   QString fParent;  ///< of the folder; empty when it is in none
-  /// Of the folder when it was last seen; zero when it was away, none before it is looked for.
-  std::optional<NSTolbrook::CFileIdentity> fIdentity;
+  /// The folder when it was last seen; none before it is looked for.
+  std::optional<CPlace> fPlace;
   QTimer fParentDelay;
   CBackgroundTask fTask;
   CBackgroundTask fParentTask;

@@ -24,24 +24,36 @@ CPathWatch::~CPathWatch() {
 }
 
 void CPathWatch::Watch(const QStringList& paths, std::function<bool()> isWanted) {
-  const auto watch = [this, fresh = paths, isWanted = std::move(isWanted)]() mutable {
-    if (!isWanted()) return;
-    const QStringList known = Watched();
-    const QSet<QString> watched(known.begin(), known.end());
-    fresh.removeIf([&watched](const QString& path) { return watched.contains(path); });
-    if (fresh.isEmpty()) return;
-    if (fWatcher->addPaths(fresh).size() < fresh.size()) emit Begun();
+  const auto watch = [this, paths, isWanted = std::move(isWanted)] {
+    if (isWanted()) Add(paths);
   };
   QMetaObject::invokeMethod(&fPlace, watch, Qt::QueuedConnection);
 }
 
-void CPathWatch::Unwatch(const QStringList& kept) {
-  const auto unwatch = [this, kept] {
-    QStringList watched = Watched();
-    watched.removeIf([&kept](const QString& path) { return kept.contains(path); });
-    if (!watched.isEmpty()) fWatcher->removePaths(watched);
+void CPathWatch::WatchOnly(const QStringList& paths, std::function<bool()> isWanted) {
+  const auto watch = [this, paths, isWanted = std::move(isWanted)] {
+    if (!isWanted()) return;
+    Forget();
+    Add(paths);
   };
-  QMetaObject::invokeMethod(&fPlace, unwatch, Qt::QueuedConnection);
+  QMetaObject::invokeMethod(&fPlace, watch, Qt::QueuedConnection);
+}
+
+void CPathWatch::Unwatch() {
+  QMetaObject::invokeMethod(
+      &fPlace, [this] { Forget(); }, Qt::QueuedConnection);
+}
+
+void CPathWatch::Forget() {
+  if (const QStringList watched = Watched(); !watched.isEmpty()) fWatcher->removePaths(watched);
+}
+
+void CPathWatch::Add(QStringList paths) {
+  const QStringList known = Watched();
+  const QSet<QString> watched(known.begin(), known.end());
+  paths.removeIf([&watched](const QString& path) { return watched.contains(path); });
+  if (paths.isEmpty()) return;
+  if (fWatcher->addPaths(paths).size() < paths.size()) emit Begun();
 }
 
 }  // namespace NSTambraGui

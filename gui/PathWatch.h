@@ -18,8 +18,11 @@ class CPathWatch : public QObject {
 
   /// Soon watches these, too, if they are still wanted by then.
   void Watch(const QStringList& paths, std::function<bool()> isWanted);
-  /// Soon watches none but `kept` any more.
-  void Unwatch(const QStringList& kept);
+  /// As Watch, but nothing else any more, and each anew: another folder may stand where the system
+  /// watches one that was moved away.
+  void WatchOnly(const QStringList& paths, std::function<bool()> isWanted);
+  /// Soon watches nothing any more.
+  void Unwatch();
 
  signals:
   void Changed(const QString& path);
@@ -27,6 +30,8 @@ class CPathWatch : public QObject {
   void Begun();
 
  private:
+  void Forget();
+  void Add(QStringList paths);
   QStringList Watched() const { return fWatcher->directories() + fWatcher->files(); }
 
   QThread fThread;
