@@ -17,9 +17,11 @@ EVERY_BRANCH = [f"package/{name}" for name in (
     "BlockStore.cpp", "BlockDirectory.cpp", "BlockFile.cpp", "BlockAllocator.cpp", "PackageFormat.cpp",
     "PackageIndex.cpp", "PackageReader.cpp")]
 TESTS = [f"{pathlib.Path(folder).name.lower()}_tests" for folder in FOLDERS]
-# Those that run the program go through much of app that no other test does.
-PROGRAMS = ["tambra", "shown_package", "lqx_standin"]
-RUN = "^(core|package|references|codecs|filetypes|app|command_line|cache|advice|hostile_files)$"
+# Those that run the program and the windows go through much of app that no other test does.
+PROGRAMS = ["tambra", "shown_package", "lqx_standin", "main_window_tests", "folder_watch_tests",
+            "package_window_tests"]
+RUN = ("^(core|package|references|codecs|filetypes|app|command_line|cache|advice|reading|hostile_files|"
+       "main_window|folder_watch|package_window)$")
 
 
 def run(*command):
