@@ -108,7 +108,7 @@ def plan(command, counted, options):
         if kind == "thread":
             ways = [(False, 2), (True, 2)]
         for ever, jobs in ways:
-            if not (ever and kind == "EINTR"):  # no system interrupts for ever
+            if not (ever and (options.once or kind == "EINTR")):  # no system interrupts for ever
                 work += [Fault(kind, at, ever, jobs) for at in places(count, most)]
     return work
 
@@ -145,6 +145,7 @@ def main():
     parser.add_argument("--kinds", nargs="+", choices=KINDS, default=KINDS)
     parser.add_argument("--most", type=int, default=0, help="places that each kind of fault strikes")
     parser.add_argument("--most-allocations", type=int, default=0, help="the same for allocations")
+    parser.add_argument("--once", action="store_true", help="no fault that stays")
     parser.add_argument("--side-by-side", type=int, default=os.cpu_count())
     parser.add_argument("--commands", nargs="+", choices=COMMANDS, default=COMMANDS)
     options = parser.parse_args()
