@@ -11,11 +11,8 @@
 #include "Parts/TolbrookPackage/Core/Exception.h"
 #include "Parts/TolbrookPackage/Core/Text.h"
 
-#include "app/ExceptionAlerts.h"
 #include "app/FolderScan.h"
 #include "app/InputFolder.h"
-#include "app/NameLists.h"
-#include "app/ReferenceAdvice.h"
 #include "app/TambraPacker.h"
 #include "filetypes/FileTypeDescriptor.h"
 #include "filetypes/FileTypeTable.h"
